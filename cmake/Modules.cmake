@@ -1,0 +1,41 @@
+# SPDX-License-Identifier: MIT
+# One static library per folder of src/, one test binary per folder of tests/.
+
+add_library(tessaly_flags INTERFACE)
+target_compile_options(tessaly_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<BOOL:${TESSALY_WERROR}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_compile_options(tessaly_flags INTERFACE -Wthread-safety)
+endif()
+
+# tessaly_module(NAME [DEPENDS modules of ours] [LINKS libraries of others])
+# Every .cpp of the folder belongs to the module. A folder of headers alone becomes an interface.
+function(tessaly_module name)
+    cmake_parse_arguments(ARG "" "" "DEPENDS;LINKS" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    list(TRANSFORM ARG_DEPENDS PREPEND tessaly_)
+    if(sources)
+        add_library(tessaly_${name} STATIC ${sources})
+        target_include_directories(tessaly_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+        target_link_libraries(tessaly_${name} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_LINKS} tessaly_flags)
+    else()
+        add_library(tessaly_${name} INTERFACE)
+        target_include_directories(tessaly_${name} INTERFACE ${CMAKE_SOURCE_DIR}/src)
+        target_link_libraries(tessaly_${name} INTERFACE ${ARG_DEPENDS})
+    endif()
+endfunction()
+
+# tessaly_test(NAME modules...): the binary test_NAME of every .cpp of tests/NAME.
+function(tessaly_test name)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+    if(NOT sources)
+        return()
+    endif()
+    list(TRANSFORM ARGN PREPEND tessaly_ OUTPUT_VARIABLE modules)
+    add_executable(test_${name} ${sources})
+    target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+    target_link_libraries(test_${name} PRIVATE tessaly_test_main ${modules} tessaly_flags)
+    add_test(NAME ${name} COMMAND test_${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS unit)
+endfunction()

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessaly::grammar {
+
+/// The hashtags of one line, as written, in order, signs and arguments included.
+std::vector<std::string> hashtagsOf(std::string_view line);
+
+/// The mentions of one line, likewise; `@done(…)`, `@repeat(…)` and `@final-repeat` among them.
+std::vector<std::string> mentionsOf(std::string_view line);
+
+/// Whether a mention is the program's own book-keeping, which no list of mentions shows: it begins
+/// with "@done(", "@repeat(" or "@final-repeat". Case-sensitive.
+bool isBookkeeping(std::string_view mention);
+
+/// A tag as lists hold it: trimmed and in lower case.
+std::string normalisedTag(std::string_view tag);
+
+/// A tag and the parents that its "/"-separated name implies, parents first; an argument belongs to
+/// the tag alone: `#a/b(c/d)` gives `#a`, `#a/b(c/d)`. Empty parts make no parent.
+std::vector<std::string> withParents(std::string_view tag);
+
+/// Adds the tags and their parents to a list that holds each once, in order of appearance.
+class TagList {
+public:
+    /// `tag` as written in the text; book-keeping mentions are left out.
+    void add(std::string_view tag);
+
+    const std::vector<std::string>& tags() const { return _tags; }
+    std::vector<std::string> take() { return std::move(_tags); }
+
+private:
+    std::vector<std::string> _tags;
+};
+
+}  // namespace tessaly::grammar

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/day.h"
+#include "base/note_type.h"
+#include "grammar/line_scanner.h"
+#include "grammar/todo.h"
+
+namespace tessaly::store {
+
+/// A task line and the note that holds it.
+struct NoteTask {
+    base::NoteType type = base::NoteType::none;
+    std::string filename;              ///< relative to its kind's folder
+    std::optional<base::Day> noteDay;  ///< of a calendar note
+    grammar::Todo todo;
+    /// The day the task is planned for: its schedule tag's, else its note's.
+    std::optional<base::Day> day;
+};
+
+/// The tasks that have to do with days: every task of a calendar note, and the tasks of general
+/// notes that carry a schedule tag. Filled note by note in any order; sets of several threads are
+/// joined. Asked when all is in.
+///
+/// A scheduled line is the original of a copy that stands in the day it names. The copy is what
+/// counts; where a general note's line has no copy (copying is a setting), the line itself is an
+/// open task of the day it names.
+class DayTasks {
+public:
+    /// Adds the tasks of one note; `scanner` is the calling thread's.
+    void add(base::NoteType type, std::string_view filename, std::string_view text,
+             const grammar::MarkerSettings& settings, grammar::NoteScanner& scanner);
+    void join(DayTasks&& other);
+
+    /// The tasks of that day's own note, in line order, of every state.
+    std::vector<NoteTask> ofNote(base::Day day) const;
+
+    /// The tasks of other notes that are planned for that day, open or closed, by file and line;
+    /// an original whose copy stands in the day's note is left out.
+    std::vector<NoteTask> scheduledTo(base::Day day) const;
+
+    /// The open tasks planned for a day before `today`, the oldest first, none twice: a task that
+    /// a schedule tag plans for later is not overdue, whatever its note's day.
+    std::vector<NoteTask> overdue(base::Day today) const;
+
+private:
+    bool hasCopy(const NoteTask& task) const;
+
+    std::map<base::Day, std::vector<NoteTask>> _byNoteDay;  // tasks of calendar notes
+    std::map<base::Day, std::vector<NoteTask>> _scheduled;  // tasks with a schedule tag, by its day
+};
+
+}  // namespace tessaly::store

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/failure.h"
+#include "ports/file_system.h"
+
+namespace tessaly::store {
+
+/// What a document raises when its content cannot be had as bytes.
+struct DocumentError {
+    enum class Case { runtimeError };
+    Case kind = Case::runtimeError;
+    std::string message;
+};
+
+/// One note file, read and to be written as UTF-8. Not for two threads at once.
+class NoteDocument {
+public:
+    /// Reads the file at `path`. Success also when its bytes are not UTF-8: `noteContent` is then
+    /// absent. Failure: the file could not be read.
+    static base::Result<NoteDocument> open(ports::FileSystem& files, const std::string& path);
+
+    /// Takes bytes as read. A byte-order mark is not part of the content, and is put back when the
+    /// document becomes bytes again.
+    void readFromData(std::string_view bytes);
+
+    /// The bytes to write, or a `runtimeError` "Content empty" (absent content) or
+    /// "Could not convert content to .utf8 data".
+    std::optional<std::string> dataOfType(DocumentError& error) const;
+
+    /// The text; absent until read, or when the bytes were not UTF-8.
+    std::optional<std::string> noteContent;
+
+private:
+    bool _hasByteOrderMark = false;
+};
+
+}  // namespace tessaly::store

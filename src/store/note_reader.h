@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/executor.h"
+#include "base/failure.h"
+#include "base/note_type.h"
+#include "ports/file_system.h"
+#include "store/data_store.h"
+
+namespace tessaly::store {
+
+/// A note file as it was read; all of it is valid during the call only.
+struct NoteFile {
+    base::NoteType type;
+    std::string_view filename;  ///< relative to the kind's folder
+    std::string_view bytes;     ///< as on disk
+    const ports::FileStamp& stamp;
+};
+
+/// A file or folder that was passed over, and why, in words for the user.
+struct SkippedFile {
+    std::string path;  ///< relative to the data folder
+    base::Failure failure;
+};
+
+/// What a reading of many notes came to.
+struct ReadReport {
+    std::size_t files = 0;  ///< read
+    std::uint64_t bytes = 0;
+    std::vector<SkippedFile> skipped;  ///< by path
+    bool cancelled = false;
+};
+
+/// Reads all notes of some kinds, on all threads of an executor and the calling one. Files are
+/// delivered in no order, each to one of `workers()` callers that may run at the same time.
+class NoteReader {
+public:
+    /// `worker` is below `workers()`; two calls with the same worker never overlap, so each worker
+    /// may fill a collection of its own without a lock.
+    using Visit = std::function<void(std::size_t worker, const NoteFile& file)>;
+    /// Told now and then how many files have been read so far, on some worker's thread.
+    using Progress = std::function<void(std::size_t files)>;
+
+    NoteReader(const DataStore& store, base::Executor& executor);
+
+    std::size_t workers() const;
+
+    /// Folders (with a trailing "/" in no case), relative to the kind's folder, as they are met.
+    using VisitFolder = std::function<void(std::size_t worker, std::string_view folder)>;
+
+    struct Options {
+        std::vector<base::NoteType> types{base::NoteType::calendar, base::NoteType::note};
+        VisitFolder visitFolder;                       ///< sub-folders of the kinds; may be empty
+        Progress progress;                             ///< may be empty
+        const std::atomic<bool>* cancelled = nullptr;  ///< asked between files
+    };
+
+    /// Names that begin with "." and folders called "_attachments" are passed over without a word;
+    /// of files, those that are notes by name are read. A link is read when it leads to a file
+    /// inside the data folder. What cannot be read, what is no regular file but named like a note,
+    /// and names that are not UTF-8 are in the report. A kind whose folder is not there has no
+    /// notes. A calendar note in a sub-folder, or with a name that is no day, is delivered all the
+    /// same.
+    ReadReport readAll(const Options& options, const Visit& visit);
+
+private:
+    const DataStore& _store;
+    base::Executor& _executor;
+};
+
+}  // namespace tessaly::store
