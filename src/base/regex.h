@@ -36,10 +36,13 @@ public:
     /// time limit (about half a second), which is logged as "a pattern took too long".
     std::optional<RegexMatch> find(std::u16string_view text, std::size_t from = 0) const;
 
-    /// All matches, in order, none overlapping.
+    /// All matches, in order, none overlapping; those found so far when the search exceeded its
+    /// time limit.
     std::vector<RegexMatch> findAll(std::u16string_view text) const;
 
-    /// `text` with each match replaced by `replacement`, in which `$1` … `$9` stand for groups.
+    /// `text` with each match that `findAll` finds replaced by `replacement`, in which `$1` … `$9`
+    /// stand for groups and every other character for itself. A group that took no part, or that
+    /// the pattern does not have, is empty.
     std::u16string replaceAll(std::u16string_view text, std::u16string_view replacement) const;
 
 private:

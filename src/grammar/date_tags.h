@@ -48,8 +48,11 @@ public:
     /// The line without its completion tags, each with the white space before it.
     static std::string findAndRemoveDoneTag(std::string_view line);
 
-    /// What stands between the parentheses of a mark of kind `doneTag`, read.
+    /// A mark of kind `doneTag`, read; `mark` is its text, the range is left empty.
     static DoneTag readDoneTag(std::string_view mark);
+
+    /// The day of a mark that is a date tag; `mark` is its text. Nothing for no real day.
+    static std::optional<base::Day> dayOf(std::string_view mark);
 };
 
 /// What is written behind a tag's date.

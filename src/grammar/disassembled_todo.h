@@ -21,8 +21,7 @@ struct DisassembledTodo {
     base::TextRange restRange;
 };
 
-/// Takes one line apart; `line` holds no "\n". Any line has a (maybe empty) answer. A line of more
-/// than 20 KB is taken apart by the scanner's rules, in linear time.
+/// Takes one line apart; `line` holds no "\n". Any line has a (maybe empty) answer.
 DisassembledTodo disassemble(std::string_view line);
 
 /// Where the content of a line starts, in UTF-16 units: behind white space, marker and box.

@@ -19,12 +19,11 @@ struct LineClass {
     std::uint32_t indents = 0;
     std::uint32_t headingLevel = 0;
     std::uint32_t boxStart = 0;  ///< where the box stands or would stand, in a task or list line
-    std::uint32_t contentStart = 0;
-    std::uint32_t contentEnd = 0;
+    std::uint32_t contentStart = 0;  ///< behind marker and box or opener; 0 for other lines
 };
 
 /// What a mark in a line is.
-enum class MarkKind : std::uint8 { hashtag, mention, scheduleTag, backLink, plainDate, doneTag };
+enum class MarkKind : std::uint8_t { hashtag, mention, scheduleTag, backLink, plainDate, doneTag };
 
 /// A tag in a line, in bytes from the line's start. Hashtags and mentions: the sign, the name and
 /// the argument. Date and completion tags: with the one white-space character before them, if any.
@@ -46,6 +45,11 @@ struct ScannedLine {
 /// Classifies one line, which must hold no "\n". Linear in its length. This and the marks agree
 /// with the patterns of `patterns.h` on every UTF-8 text; bytes that are no UTF-8 read as U+FFFD.
 LineClass classifyLine(std::string_view line, const MarkerSettings& settings);
+
+/// The content of a classified line: from `contentStart` to the first line terminator of any kind
+/// (a carriage return, U+2028 …), or, of a line without a marker or opener, all of it but a
+/// carriage return at its end.
+std::string_view contentOf(std::string_view line, const LineClass& found);
 
 /// Finds the marks of one line, which must hold no "\n", in order of position. Linear in its
 /// length. `marks` is emptied first; giving the same vector again saves allocations.
@@ -74,6 +78,7 @@ private:
     std::size_t _nextPosition = 0;          // in _positions
     std::size_t _scanned = 0;               // bytes of _text already turned into positions
     std::size_t _lineStart = 0;
+    std::size_t _nextIndex = 0;
     bool _done = true;
 };
 

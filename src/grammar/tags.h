@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace tessaly::grammar {
@@ -21,7 +24,8 @@ bool isBookkeeping(std::string_view mention);
 std::string normalisedTag(std::string_view tag);
 
 /// A tag and the parents that its "/"-separated name implies, parents first; an argument belongs to
-/// the tag alone: `#a/b(c/d)` gives `#a`, `#a/b(c/d)`. Empty parts make no parent.
+/// the tag alone: `#a/b(c/d)` gives `#a`, `#a/b(c/d)`. Empty parts make no
+/// parent, and only the first 32 levels do.
 std::vector<std::string> withParents(std::string_view tag);
 
 /// Adds the tags and their parents to a list that holds each once, in order of appearance.
@@ -31,10 +35,20 @@ public:
     void add(std::string_view tag);
 
     const std::vector<std::string>& tags() const { return _tags; }
-    std::vector<std::string> take() { return std::move(_tags); }
+    /// Gives the list away; the object is then as new.
+    std::vector<std::string> take() {
+        _known.clear();
+        return std::exchange(_tags, {});
+    }
 
 private:
+    /// Up to this many tags, which nearly every note stays below, a search is quicker than a set.
+    static constexpr std::size_t smallSize = 16;
+
+    void addOnce(std::string_view tag);
+
     std::vector<std::string> _tags;
+    std::unordered_set<std::string> _known;  // filled from `smallSize` tags on
 };
 
 }  // namespace tessaly::grammar

@@ -6,16 +6,10 @@
 #include <vector>
 
 #include "grammar/line_scanner.h"
+#include "grammar/note_title.h"
 #include "grammar/todo.h"
 
 namespace tessaly::grammar {
-
-/// The note whose lines are read: its text (UTF-8, without a byte-order mark or with one) and its
-/// file, relative to the data folder ("Calendar/20190305.txt").
-struct NoteText {
-    std::string_view text;
-    std::string_view filename;
-};
 
 /// Turns note text into records. A function of its arguments: any thread, no failure.
 class TodoHelper {
@@ -34,10 +28,6 @@ public:
     static std::string newTaskPrefix(const MarkerSettings& settings,
                                      base::TodoCharacter defaultTodoCharacter, int number = 1);
 };
-
-/// The title of a note: its first line without white space and "#" before it, trimmed; else
-/// `baseName`. A byte-order mark is passed over.
-std::string noteTitle(std::string_view text, std::string_view baseName);
 
 /// `content` cut for display to `characters` user-perceived characters, with "..." when it was cut.
 std::string shortened(std::string_view content, int characters);
