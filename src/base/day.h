@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <compare>
 #include <optional>
 #include <string>
 #include <string_view>

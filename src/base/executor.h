@@ -21,10 +21,15 @@ public:
     virtual std::size_t width() const = 0;
 };
 
+/// Runs a job and lets go of what it holds; an exception is logged and goes no further. For those
+/// who run jobs.
+void runGuarded(Job job) noexcept;
+
 /// Calls `body(index)` for every index below `count` and returns when all have returned. The
 /// caller's thread works too, so it may be used from a job of the same executor: no job waits for
 /// another to start. Indices are handed out in order. At most `executor.width() + 1` calls run at a
-/// time.
+/// time. An exception does not keep the other indices from being called; the first one is thrown
+/// on at the end.
 void parallelFor(Executor& executor, std::size_t count,
                  const std::function<void(std::size_t index)>& body);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <simdjson.h>
 
 #include <unicode/bytestream.h>
@@ -23,9 +24,25 @@ bool isContinuation(unsigned byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+/// The bytes of the ASCII run that starts at `at`. Whole notes go through here, and most of most
+/// notes is ASCII.
+std::size_t asciiRun(std::string_view text, std::size_t at) {
+    constexpr std::uint64_t highBits = 0x8080'8080'8080'8080;
+    const std::size_t start = at;
+    for (std::uint64_t eight; at + sizeof eight <= text.size(); at += sizeof eight) {
+        std::memcpy(&eight, text.data() + at, sizeof eight);
+        if ((eight & highBits) != 0) {
+            break;
+        }
+    }
+    while (at < text.size() && byteAt(text, at) < 0x80) {
+        ++at;
+    }
+    return at - start;
+}
+
+constexpr std::size_t unitsOf(CodePoint c) {
+    return c.value > 0xFFFF ? 2 : 1;
 }
 
 }  // namespace
@@ -84,6 +101,10 @@ void appendUtf8(std::string& text, char32_t value) {
     }
 }
 
+bool isAscii(std::string_view text) {
+    return asciiRun(text, 0) == text.size();
+}
+
 bool isUtf8(std::string_view text) {
     return simdjson::validate_utf8(text.data(), text.size());
 }
@@ -91,8 +112,14 @@ bool isUtf8(std::string_view text) {
 std::size_t utf16Length(std::string_view text) {
     std::size_t units = 0;
     for (std::size_t at = 0; at < text.size();) {
+        if (byteAt(text, at) < 0x80) {
+            const std::size_t run = asciiRun(text, at);
+            units += run;
+            at += run;
+            continue;
+        }
         const CodePoint c = codePointAt(text, at);
-        units += c.value > 0xFFFF ? 2 : 1;
+        units += unitsOf(c);
         at += c.size;
     }
     return units;
@@ -101,12 +128,17 @@ std::size_t utf16Length(std::string_view text) {
 std::size_t byteOffset(std::string_view text, std::size_t units) {
     std::size_t at = 0;
     while (at < text.size() && units > 0) {
+        if (byteAt(text, at) < 0x80) {
+            const std::size_t run = asciiRun(text.substr(at, units), 0);
+            units -= run;
+            at += run;
+            continue;
+        }
         const CodePoint c = codePointAt(text, at);
-        const std::size_t width = c.value > 0xFFFF ? 2 : 1;
-        if (width > units) {
+        if (unitsOf(c) > units) {
             break;
         }
-        units -= width;
+        units -= unitsOf(c);
         at += c.size;
     }
     return at;
@@ -116,6 +148,12 @@ std::u16string toUtf16(std::string_view text) {
     std::u16string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
+        if (byteAt(text, at) < 0x80) {
+            const std::string_view run = text.substr(at, asciiRun(text, at));
+            result.append(run.begin(), run.end());
+            at += run.size();
+            continue;
+        }
         const CodePoint c = codePointAt(text, at);
         if (c.value > 0xFFFF) {
             result.push_back(static_cast<char16_t>(0xD7C0 + (c.value >> 10)));

@@ -23,6 +23,8 @@ CodePoint codePointBefore(std::string_view text, std::size_t end);
 /// Appends the UTF-8 form of `value`; a surrogate or a value past U+10FFFF is written as U+FFFD.
 void appendUtf8(std::string& text, char32_t value);
 
+bool isAscii(std::string_view text);
+
 /// Whether all of `text` is UTF-8: no overlong forms, surrogates or values past U+10FFFF.
 bool isUtf8(std::string_view text);
 

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "base/thread_pool.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessaly::base {
+
+ThreadPool::ThreadPool(std::size_t threads) {
+    const std::size_t count = std::max<std::size_t>(threads, 1);
+    _threads.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        _threads.emplace_back([this] { runJobs(); });
+    }
+}
+
+ThreadPool::~ThreadPool() {
+    {
+        const std::scoped_lock lock(_mutex);
+        _ending = true;
+    }
+    _changed.notify_all();
+    for (auto& thread : _threads) {
+        thread.join();
+    }
+}
+
+void ThreadPool::post(Job job) {
+    {
+        const std::scoped_lock lock(_mutex);
+        _jobs.push_back(std::move(job));
+    }
+    _changed.notify_one();
+}
+
+void ThreadPool::runJobs() {
+    while (Job job = nextJob()) {
+        runGuarded(std::move(job));
+    }
+}
+
+Job ThreadPool::nextJob() {
+    std::unique_lock lock(_mutex);
+    _changed.wait(lock, [this] { return !_jobs.empty() || _ending; });
+    if (_jobs.empty()) {
+        return {};
+    }
+    Job job = std::move(_jobs.front());
+    _jobs.pop_front();
+    return job;
+}
+
+}  // namespace tessaly::base
