@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+#include "platform/posix_file_system.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+#include <utility>
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include "base/localisation.h"
+#include "platform/atomic_file.h"
+#include "platform/errno_failure.h"
+#include "platform/file_descriptor.h"
+#include "platform/file_reader.h"
+
+namespace tessaly::platform {
+
+using base::Done;
+using base::Failure;
+using ports::FolderEntry;
+
+namespace {
+
+/// Neither waits for a pipe's other end nor lets a terminal take the process over.
+constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+constexpr int folderFlags = O_RDONLY | O_CLOEXEC | O_DIRECTORY;
+
+FileDescriptor open(const std::string& path, int flags) {
+    return FileDescriptor(uninterrupted([&] { return ::open(path.c_str(), flags); }));
+}
+
+FileDescriptor openIn(int folder, const std::string& name, int flags) {
+    return FileDescriptor(uninterrupted([&] { return ::openat(folder, name.c_str(), flags); }));
+}
+
+/// The kernel would read such a path up to the NUL: another path than the one that was meant.
+bool holdsNul(const std::string& path) {
+    return path.find('\0') != std::string::npos;
+}
+
+Failure nulFailure(const std::string& path) {
+    return errnoFailure(EINVAL, path.c_str(), Failure::Kind::malformed);
+}
+
+Failure notAFile(const std::string& path) {
+    return {Failure::Kind::notAFile, fmt::format("{}: {}", path, base::tr("not a regular file"))};
+}
+
+Failure readFailure(int error, const std::string& path) {
+    return error == EINVAL ? notAFile(path) : errnoFailure(error, path);
+}
+
+FolderEntry::Kind kindOfMode(mode_t mode) {
+    return S_ISREG(mode)   ? FolderEntry::Kind::file
+           : S_ISDIR(mode) ? FolderEntry::Kind::folder
+           : S_ISLNK(mode) ? FolderEntry::Kind::link
+                           : FolderEntry::Kind::other;
+}
+
+/// Some file systems leave the kind out of the folder.
+FolderEntry::Kind kindOfEntry(int folder, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN) {
+        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
+    }
+    struct stat status;
+    const bool known = ::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    return known ? kindOfMode(status.st_mode) : FolderEntry::Kind::other;
+}
+
+bool isDots(std::string_view name) {
+    return name == "." || name == "..";
+}
+
+std::string parentOf(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+/// So that a power cut does not take the new folder, and with it the notes written there.
+void syncFolder(const std::string& folder) {
+    if (const FileDescriptor fd = open(folder, folderFlags)) {
+        ::fsync(fd.get());
+    }
+}
+
+int readEntry(int folder, const FolderEntry& entry, FileReader& reader,
+              FileReader::Contents& contents) {
+    if (entry.kind != FolderEntry::Kind::file || holdsNul(entry.name)) {
+        return EINVAL;
+    }
+    const FileDescriptor fd = openIn(folder, entry.name, readFlags | O_NOFOLLOW);
+    return fd ? reader.read(fd.get(), contents) : errno;
+}
+
+}  // namespace
+
+base::Result<std::vector<FolderEntry>> PosixFileSystem::list(const std::string& folder) {
+    if (holdsNul(folder)) {
+        return nulFailure(folder);
+    }
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
+    if (!stream) {
+        return errnoFailure(errno, folder);
+    }
+    std::vector<FolderEntry> entries;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(stream.get());
+        if (entry == nullptr) {
+            break;
+        }
+        if (!isDots(entry->d_name)) {
+            entries.push_back({entry->d_name, kindOfEntry(::dirfd(stream.get()), *entry)});
+        }
+    }
+    // A listing that broke off must not pass for a shorter folder.
+    if (errno != 0) {
+        return errnoFailure(errno, folder);
+    }
+    return entries;
+}
+
+base::Result<ports::FileContents> PosixFileSystem::read(const std::string& file) {
+    // Asked first, since opening a pipe would already wake a writer that waits at its other end.
+    const auto kind = kindOf(file);
+    if (!kind) {
+        return kind.failure();
+    }
+    if (*kind != FolderEntry::Kind::file) {
+        return *kind == FolderEntry::Kind::folder ? errnoFailure(EISDIR, file) : notAFile(file);
+    }
+    const FileDescriptor fd = open(file, readFlags);
+    if (!fd) {
+        return errnoFailure(errno, file);
+    }
+    FileReader reader;
+    FileReader::Contents contents;
+    if (const int error = reader.read(fd.get(), contents); error != 0) {
+        return readFailure(error, file);
+    }
+    return ports::FileContents{std::string(contents.bytes), contents.stamp};
+}
+
+base::Result<Done> PosixFileSystem::readEach(const std::string& folder,
+                                             std::span<const FolderEntry> files,
+                                             const ports::FileSink& sink) {
+    if (holdsNul(folder)) {
+        return nulFailure(folder);
+    }
+    const FileDescriptor fd = open(folder, folderFlags);
+    if (!fd) {
+        return errnoFailure(errno, folder);
+    }
+    FileReader reader;
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        FileReader::Contents contents;
+        if (const int error = readEntry(fd.get(), files[index], reader, contents); error != 0) {
+            const Failure failure = readFailure(error, folder + "/" + files[index].name);
+            sink({index, {}, nullptr, &failure});
+        } else {
+            sink({index, contents.bytes, &contents.stamp, nullptr});
+        }
+    }
+    return Done{};
+}
+
+base::Result<FolderEntry::Kind> PosixFileSystem::kindOf(const std::string& path) {
+    if (holdsNul(path)) {
+        return nulFailure(path);
+    }
+    struct stat status;
+    if (::stat(path.c_str(), &status) == 0) {
+        return kindOfMode(status.st_mode);
+    }
+    // Below a file, or with a name that no file can have, there is nothing.
+    if (errno == ENOTDIR || errno == ENAMETOOLONG) {
+        return errnoFailure(errno, path, Failure::Kind::notFound);
+    }
+    return errnoFailure(errno, path);
+}
+
+base::Result<std::string> PosixFileSystem::resolve(const std::string& path) {
+    if (holdsNul(path)) {
+        return nulFailure(path);
+    }
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
+    if (!real) {
+        return errnoFailure(errno, path);
+    }
+    return std::string(real.get());
+}
+
+base::Result<Done> PosixFileSystem::makeFolders(const std::string& folder) {
+    if (const auto kind = kindOf(folder); kind && *kind == FolderEntry::Kind::folder) {
+        return Done{};
+    } else if (kind) {
+        return errnoFailure(ENOTDIR, folder, Failure::Kind::exists);
+    } else if (kind.failure().kind != Failure::Kind::notFound) {
+        return kind.failure();
+    }
+    const std::string above = parentOf(folder);
+    if (auto made = makeFolders(above); !made) {
+        return made;
+    }
+    if (::mkdir(folder.c_str(), 0700) != 0) {
+        // Another process may have been quicker; anything else of that name stands in the way.
+        const int error = errno;
+        struct stat status;
+        const bool there = ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        return there ? base::Result<Done>(Done{}) : errnoFailure(error, folder);
+    }
+    syncFolder(above);
+    return Done{};
+}
+
+base::Result<Done> PosixFileSystem::create(const std::string& file, std::string_view bytes) {
+    if (holdsNul(file)) {
+        return nulFailure(file);
+    }
+    return writeNewFile(file, bytes);
+}
+
+}  // namespace tessaly::platform

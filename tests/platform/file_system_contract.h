@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <fcntl.h>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include <doctest/doctest.h>
+#include <sys/stat.h>
+
+#include "ports/file_system.h"
+#include "support/temp_folder.h"
+
+namespace tessaly::tests {
+
+using base::Failure;
+using ports::FolderEntry;
+
+/// Acts as a user without rights for as long as it lives, so that root too meets refusals.
+class WithoutRights {
+public:
+    explicit WithoutRights(const TempFolder& folder) : _wasRoot(::geteuid() == 0) {
+        ::chmod(folder.path().c_str(), 0755);
+        _effective = !_wasRoot || ::seteuid(65534) == 0;
+    }
+    ~WithoutRights() {
+        if (_wasRoot && ::seteuid(0) != 0) {
+            std::abort();
+        }
+    }
+    WithoutRights(const WithoutRights&) = delete;
+    WithoutRights& operator=(const WithoutRights&) = delete;
+
+    bool effective() const { return _effective; }
+
+private:
+    bool _wasRoot;
+    bool _effective = false;
+};
+
+/// Nothing: it was done.
+template <class T>
+std::optional<Failure::Kind> failureKind(const base::Result<T>& result) {
+    return result ? std::nullopt : std::optional{result.failure().kind};
+}
+
+/// A folder with one of everything that may stand where a file is expected.
+struct OddThings {
+    TempFolder folder;
+
+    OddThings() {
+        folder.write("note", "text");
+        folder.mkdir("folder");
+        ::mkfifo((folder / "pipe").c_str(), 0600);
+        folder.link("toNote", "note");
+        folder.link("toFolder", "folder");
+        folder.link("toNothing", "missing");
+        folder.link("loop", "loop");
+    }
+};
+
+inline void checkReading(ports::FileSystem& files) {
+    const OddThings things;
+    struct Row {
+        const char* name;
+        std::optional<Failure::Kind> failure;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {"note", std::nullopt},
+             {"toNote", std::nullopt},
+             {"missing", Failure::Kind::notFound},
+             {"folder", Failure::Kind::notAFile},
+             {"toFolder", Failure::Kind::notAFile},
+             {"pipe", Failure::Kind::notAFile},
+             {"toNothing", Failure::Kind::notFound},
+             {"loop", Failure::Kind::notAFile},
+             {"note/below", Failure::Kind::notFound},
+         }) {
+        CAPTURE(row.name);
+        const std::string path = things.folder / row.name;
+        const auto contents = files.read(path);
+        CHECK(failureKind(contents) == row.failure);
+        if (contents) {
+            CHECK(contents->bytes == "text");
+        } else {
+            CHECK(contents.failure().description.starts_with(path + ": "));
+        }
+    }
+    CHECK(failureKind(files.read(things.folder / std::string("note\0x", 6))) ==
+          Failure::Kind::malformed);
+}
+
+inline void checkListing(ports::FileSystem& files) {
+    const OddThings things;
+    const std::string odd = "\xff\xfe name";
+    things.folder.write(odd, "");
+    const auto entries = files.list(things.folder.path());
+    REQUIRE(entries);
+    std::map<std::string, FolderEntry::Kind> kinds;
+    for (const FolderEntry& entry : *entries) {
+        kinds[entry.name] = entry.kind;
+    }
+    using Kind = FolderEntry::Kind;
+    CHECK(kinds == std::map<std::string, Kind>{{"note", Kind::file},
+                                               {"folder", Kind::folder},
+                                               {"pipe", Kind::other},
+                                               {"toNote", Kind::link},
+                                               {"toFolder", Kind::link},
+                                               {"toNothing", Kind::link},
+                                               {"loop", Kind::link},
+                                               {odd, Kind::file}});
+    const auto empty = files.list(things.folder / "folder");
+    REQUIRE(empty);
+    CHECK(empty->empty());
+    CHECK(failureKind(files.list(things.folder / "missing")) == Failure::Kind::notFound);
+    // A file where a folder was expected is something, and must not pass for "not there yet".
+    const auto file = failureKind(files.list(things.folder / "note"));
+    CHECK(file);
+    CHECK(file != Failure::Kind::notFound);
+}
+
+inline void checkKindsAndPaths(ports::FileSystem& files) {
+    const OddThings things;
+    using Kind = FolderEntry::Kind;
+    const auto kindOf = [&](const std::string& name) -> std::optional<Kind> {
+        const auto kind = files.kindOf(things.folder / name);
+        return kind ? std::optional{*kind} : std::nullopt;
+    };
+    CHECK(kindOf("note") == Kind::file);
+    CHECK(kindOf("toFolder") == Kind::folder);
+    CHECK(kindOf("pipe") == Kind::other);
+    for (const std::string& name : {std::string("missing"), std::string("toNothing"),
+                                    std::string("note/below"), std::string(300, 'x')}) {
+        CAPTURE(name);
+        CHECK(failureKind(files.kindOf(things.folder / name)) == Failure::Kind::notFound);
+    }
+
+    const auto resolved = files.resolve(things.folder / "folder/../toFolder/");
+    REQUIRE(resolved);
+    CHECK(*resolved == std::filesystem::canonical(things.folder.path()).string() + "/folder");
+    CHECK(failureKind(files.resolve(things.folder / "toNothing")) == Failure::Kind::notFound);
+    CHECK(failureKind(files.resolve(things.folder / "loop")));
+}
+
+/// What `readEach` said of each file: its bytes, or the kind of its failure.
+struct Told {
+    std::string bytes;
+    std::optional<Failure::Kind> failure;
+    std::uint64_t size = 0;
+
+    bool operator==(const Told&) const = default;
+};
+
+inline std::vector<Told> toldOf(ports::FileSystem& files, const std::string& folder,
+                                const std::vector<FolderEntry>& entries) {
+    std::vector<Told> told;
+    const auto done = files.readEach(folder, entries, [&](const ports::FileRead& read) {
+        CHECK(read.index == told.size());
+        CHECK((read.stamp == nullptr) != (read.failure == nullptr));
+        told.push_back(read.failure != nullptr
+                           ? Told{"", read.failure->kind, 0}
+                           : Told{std::string(read.bytes), std::nullopt, read.stamp->size});
+    });
+    CHECK(done);
+    return told;
+}
+
+inline void checkReadingEach(ports::FileSystem& files) {
+    const OddThings things;
+    using Kind = FolderEntry::Kind;
+    const std::string longName(255, 'n');
+    things.folder.write(longName, "long");
+    const Told refused{"", Failure::Kind::notAFile, 0};
+    // A pipe and a link that had taken a file's place since the listing.
+    CHECK(toldOf(files, things.folder.path(),
+                 {{"note", Kind::file},
+                  {"missing", Kind::file},
+                  {"pipe", Kind::file},
+                  {"toNote", Kind::file},
+                  {"folder", Kind::file},
+                  {"toNote", Kind::link},
+                  {longName, Kind::file},
+                  {"note", Kind::file}}) == std::vector<Told>{{"text", std::nullopt, 4},
+                                                              {"", Failure::Kind::notFound, 0},
+                                                              refused,
+                                                              refused,
+                                                              refused,
+                                                              refused,
+                                                              {"long", std::nullopt, 4},
+                                                              {"text", std::nullopt, 4}});
+
+    bool called = false;
+    const std::vector<FolderEntry> one{{"note", Kind::file}};
+    for (const char* folder : {"missing", "note"}) {
+        CHECK(!files.readEach(things.folder / folder, one, [&](const auto&) { called = true; }));
+    }
+    CHECK(!called);
+}
+
+/// Sizes around the borders of the buffer, small ones behind giants, and readings inside readings.
+inline void checkReadingSizes(ports::FileSystem& files) {
+    const TempFolder folder;
+    std::vector<FolderEntry> entries;
+    std::vector<std::string> texts;
+    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 1U, 3000000U, 7U, 131072U}) {
+        const char letter = static_cast<char>('a' + texts.size());
+        texts.emplace_back(size, letter);
+        entries.push_back({std::string(1, letter), FolderEntry::Kind::file});
+        folder.write(entries.back().name, texts.back());
+    }
+    const auto done = files.readEach(folder.path(), entries, [&](const ports::FileRead& read) {
+        REQUIRE(read.failure == nullptr);
+        const auto inner = files.read(folder / entries[texts.size() - 1 - read.index].name);
+        REQUIRE(inner);
+        CHECK((inner->bytes == texts[texts.size() - 1 - read.index]));
+        CHECK((read.bytes == texts[read.index]));
+        CHECK(read.stamp->size == texts[read.index].size());
+    });
+    CHECK(done);
+
+    const std::string giant = folder.write("giant", "");
+    std::filesystem::resize_file(giant, ports::maxFileBytes);
+    const auto largest = files.read(giant);
+    REQUIRE(largest);
+    CHECK(largest->bytes.size() == ports::maxFileBytes);
+    std::filesystem::resize_file(giant, ports::maxFileBytes + 1);
+    CHECK(failureKind(files.read(giant)) == Failure::Kind::tooLarge);
+    CHECK(toldOf(files, folder.path(), {{"giant", FolderEntry::Kind::file}}) ==
+          std::vector<Told>{{"", Failure::Kind::tooLarge, 0}});
+}
+
+inline void checkStamps(ports::FileSystem& files) {
+    const TempFolder folder;
+    const std::string file = folder.write("note", "one");
+    const auto stamp = [&] {
+        const auto contents = files.read(file);
+        REQUIRE(contents);
+        return contents->stamp;
+    };
+    const auto first = stamp();
+    CHECK(stamp() == first);
+
+    using namespace std::chrono_literals;
+    const timespec times[2] = {{0, UTIME_OMIT}, {1551794853, 123456789}};
+    REQUIRE(::utimensat(AT_FDCWD, file.c_str(), times, 0) == 0);
+    const auto dated = stamp();
+    CHECK(dated.modified == base::Instant{1551794853s + 123456789ns});
+    CHECK(dated.changed >= first.changed);
+    CHECK(dated.created == first.created);
+    CHECK(dated.inode == first.inode);
+
+    // The same size and date under another inode: a sync client that keeps dates did this.
+    folder.write("other", "two");
+    REQUIRE(::utimensat(AT_FDCWD, (folder / "other").c_str(), times, 0) == 0);
+    std::filesystem::rename(folder / "other", file);
+    CHECK(stamp() != dated);
+}
+
+inline void checkCreating(ports::FileSystem& files) {
+    const OddThings things;
+    const TempFolder& folder = things.folder;
+    const auto before = folder.names();
+    for (const char* name : {"note", "folder", "pipe", "toNote", "toNothing", "loop"}) {
+        CAPTURE(name);
+        CHECK(failureKind(files.create(folder / name, "new")) == Failure::Kind::exists);
+    }
+    CHECK(failureKind(files.create(folder / "missing/note", "new")) == Failure::Kind::notFound);
+    CHECK(files.create(folder / "note/below", "new").ok() == false);
+    CHECK(files.create(folder / std::string(256, 'n'), "new").ok() == false);
+    CHECK(folder.names() == before);
+    CHECK(folder.read("note") == "text");
+
+    // 85 characters of three bytes each: the name of the file that is written first is shorter.
+    std::string longest;
+    for (int i = 0; i < 85; ++i) {
+        longest += "\u20ac";
+    }
+    const std::string binary("a\0b\n\xff", 5);
+    for (const std::string& name : {std::string("new"), std::string(255, 'n'), longest}) {
+        CAPTURE(name);
+        REQUIRE(files.create(folder / name, binary));
+        CHECK(folder.read(name) == binary);
+    }
+    CHECK(folder.names().size() == before.size() + 3);
+}
+
+inline void checkMakingFolders(ports::FileSystem& files) {
+    const OddThings things;
+    const TempFolder& folder = things.folder;
+    ::chmod((folder / "folder").c_str(), 0755);
+    CHECK(files.makeFolders(folder / "folder/a/b"));
+    CHECK(files.makeFolders(folder / "folder/a/b/"));
+    CHECK(files.makeFolders(folder / "toFolder/a/c"));
+    CHECK(folder.names("folder/a") == std::vector<std::string>{"b", "c"});
+    struct stat status {};
+    struct Row {
+        const char* name;
+        unsigned mode;
+    };
+    for (const Row& row :
+         std::initializer_list<Row>{{"folder", 0755}, {"folder/a", 0700}, {"folder/a/b", 0700}}) {
+        CAPTURE(row.name);
+        REQUIRE(::stat((folder / row.name).c_str(), &status) == 0);
+        CHECK((status.st_mode & 07777U) == row.mode);
+    }
+    for (const char* name : {"note", "note/below", "toNothing", "toNothing/below", "pipe"}) {
+        CAPTURE(name);
+        CHECK(!files.makeFolders(folder / name).ok());
+    }
+}
+
+inline void checkRefusals(ports::FileSystem& files) {
+    const TempFolder folder;
+    const std::string secret = folder.write("open/secret", "text");
+    folder.write("closed/note", "text");
+    ::chmod(secret.c_str(), 0);
+    ::chmod((folder / "closed").c_str(), 0);
+    ::chmod((folder / "open").c_str(), 0555);
+    {
+        const WithoutRights rights(folder);
+        if (!rights.effective()) {
+            MESSAGE("skipped: this root cannot lay down its rights");
+            return;
+        }
+        const auto denied = Failure::Kind::denied;
+        CHECK(failureKind(files.read(secret)) == denied);
+        CHECK(failureKind(files.read(folder / "closed/note")) == denied);
+        CHECK(failureKind(files.kindOf(folder / "closed/note")) == denied);
+        CHECK(failureKind(files.list(folder / "closed")) == denied);
+        CHECK(failureKind(files.create(folder / "open/new", "x")) == denied);
+        CHECK(failureKind(files.makeFolders(folder / "open/new")) == denied);
+        CHECK(toldOf(files, folder / "open", {{"secret", FolderEntry::Kind::file}}) ==
+              std::vector<Told>{{"", denied, 0}});
+    }
+    ::chmod((folder / "closed").c_str(), 0700);
+    ::chmod((folder / "open").c_str(), 0700);
+}
+
+/// What every file system must do. Call it in a test case of its own.
+inline void checkFileSystem(const std::function<std::unique_ptr<ports::FileSystem>()>& make) {
+    const auto files = make();
+    SUBCASE("read refuses what is no file") {
+        checkReading(*files);
+    }
+    SUBCASE("list tells what is there") {
+        checkListing(*files);
+    }
+    SUBCASE("kindOf and resolve follow links") {
+        checkKindsAndPaths(*files);
+    }
+    SUBCASE("readEach tells of each file in order") {
+        checkReadingEach(*files);
+    }
+    SUBCASE("files of all sizes are read whole") {
+        checkReadingSizes(*files);
+    }
+    SUBCASE("stamps tell states apart") {
+        checkStamps(*files);
+    }
+    SUBCASE("create replaces nothing and leaves nothing else") {
+        checkCreating(*files);
+    }
+    SUBCASE("makeFolders makes what is missing") {
+        checkMakingFolders(*files);
+    }
+    SUBCASE("what is not allowed is denied") {
+        checkRefusals(*files);
+    }
+}
+
+}  // namespace tessaly::tests
