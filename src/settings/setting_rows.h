@@ -2,14 +2,7 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <string_view>
-#include <variant>
-#include <vector>
-
-#include "base/sort_type.h"
-#include "base/todo_character.h"
-#include "base/weekday.h"
 
 namespace tessaly::settings {
 
@@ -30,7 +23,10 @@ struct SettingRow {
     std::string_view key;  ///< also the name of its field in `Globals`, if not said there
     SettingType type;
     std::string_view defaultText;  ///< as `settings get` prints it; "" takes it from the locale
-    std::string_view help;         ///< English; one line, for `settings list`
+    const char* help;              ///< English, for `base::tr`; one line, for `settings list`
+    /// What a number may be; of a text, its length in bytes. Other types have no range.
+    double lowest = 0;
+    double highest = 0;
 };
 
 std::span<const SettingRow> settingRows();
