@@ -39,7 +39,8 @@ public:
     /// local one.
     std::string root() const;
 
-    /// The folder of a kind under each root; the cloud one is absent with the cloud root.
+    /// The folder of a kind under each root; the cloud one is absent with the cloud root. The kind
+    /// `none` has no folder of its own and names the root.
     std::optional<std::string> cloudFolder(base::NoteType type) const;
     std::string localFolder(base::NoteType type) const;
     std::string folder(base::NoteType type) const;
@@ -72,6 +73,8 @@ public:
     ports::FileSystem& files() const { return _files; }
 
 private:
+    base::Result<base::Done> makeFolderOfNote(const std::string& folder);
+
     ports::FileSystem& _files;
     const Roots _roots;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -50,10 +51,30 @@ public:
     std::vector<NoteTask> overdue(base::Day today) const;
 
 private:
-    bool hasCopy(const NoteTask& task) const;
+    struct Note {
+        base::NoteType type = base::NoteType::none;
+        std::string filename;
+        std::string title;
+        std::optional<base::Day> day;
+    };
+    // Kept as found, and made into records when asked for: most are never shown.
+    struct Line {
+        std::shared_ptr<const Note> note;
+        std::string text;
+        grammar::LineClass line;
+        std::size_t index = 0;
+        std::optional<base::Day> scheduledTo;
+    };
 
-    std::map<base::Day, std::vector<NoteTask>> _byNoteDay;  // tasks of calendar notes
-    std::map<base::Day, std::vector<NoteTask>> _scheduled;  // tasks with a schedule tag, by its day
+    class Copies;
+
+    static std::optional<base::Day> plannedDay(const Line& line);
+    static NoteTask taskOf(const Line& line);
+    static std::vector<NoteTask> inOrder(std::vector<const Line*> lines);
+    const std::vector<Line>& ofDay(base::Day day) const;
+
+    std::map<base::Day, std::vector<Line>> _byNoteDay;  // tasks of calendar notes
+    std::map<base::Day, std::vector<Line>> _scheduled;  // by the day of the schedule tag
 };
 
 }  // namespace tessaly::store

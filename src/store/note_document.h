@@ -10,6 +10,9 @@
 
 namespace tessaly::store {
 
+/// The text of a note file's bytes, without a byte-order mark; nothing when they are not UTF-8.
+std::optional<std::string_view> decodedText(std::string_view bytes);
+
 /// What a document raises when its content cannot be had as bytes.
 struct DocumentError {
     enum class Case { runtimeError };

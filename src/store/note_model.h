@@ -34,11 +34,11 @@ public:
 
     /// Counts the tasks of `content` and gathers its tags. `date` is filled for a calendar note
     /// whose file name is a day.
-    NoteModel(std::string filename, base::NoteType type, std::string_view content,
+    NoteModel(std::string name, base::NoteType kind, std::string_view content,
               const CountSettings& settings);
 
     /// As above, with a scanner that the caller uses again for the next note.
-    NoteModel(std::string filename, base::NoteType type, std::string_view content,
+    NoteModel(std::string name, base::NoteType kind, std::string_view content,
               const CountSettings& settings, grammar::NoteScanner& scanner);
 
     /// Of reminders, events and tasks, the sum that decides how many dots a day has; cancelled and

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/day.h"
+#include "grammar/calendar_day.h"
 
 namespace tessaly::store {
 
@@ -21,9 +22,7 @@ enum class StripListMarkers { no, yes };
 /// "yyyyMMdd.txt".
 std::string calendarFilename(base::Day day);
 
-/// The day of a calendar note's file name; nothing when it is not eight ASCII digits that name a
-/// real day, then ".txt". `filename` has no folder before it.
-std::optional<base::Day> dayOfCalendarFilename(std::string_view filename);
+using grammar::dayOfCalendarFilename;
 
 /// Whether a file name is a note's: it ends in ".txt" or ".md" and does not begin with a dot.
 bool isNoteFilename(std::string_view filename);

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -45,15 +46,15 @@ public:
     /// `worker` is below `workers()`; two calls with the same worker never overlap, so each worker
     /// may fill a collection of its own without a lock.
     using Visit = std::function<void(std::size_t worker, const NoteFile& file)>;
-    /// Told now and then how many files have been read so far, on some worker's thread.
+    /// Told now and then how many files have been read so far, on worker 0's thread.
     using Progress = std::function<void(std::size_t files)>;
+    /// A folder of notes, relative to the kind's folder, without a slash at its end.
+    using VisitFolder =
+        std::function<void(std::size_t worker, base::NoteType type, std::string_view folder)>;
 
     NoteReader(const DataStore& store, base::Executor& executor);
 
     std::size_t workers() const;
-
-    /// Folders (with a trailing "/" in no case), relative to the kind's folder, as they are met.
-    using VisitFolder = std::function<void(std::size_t worker, std::string_view folder)>;
 
     struct Options {
         std::vector<base::NoteType> types{base::NoteType::calendar, base::NoteType::note};
@@ -62,12 +63,12 @@ public:
         const std::atomic<bool>* cancelled = nullptr;  ///< asked between files
     };
 
-    /// Names that begin with "." and folders called "_attachments" are passed over without a word;
-    /// of files, those that are notes by name are read. A link is read when it leads to a file
-    /// inside the data folder. What cannot be read, what is no regular file but named like a note,
-    /// and names that are not UTF-8 are in the report. A kind whose folder is not there has no
-    /// notes. A calendar note in a sub-folder, or with a name that is no day, is delivered all the
-    /// same.
+    /// Names that begin with "." or are "_attachments" are passed over without a word; of files,
+    /// those that are notes by name are read. A link is read when it leads to a file inside the
+    /// data folder. What cannot be read, what is no regular file but named like a note, links to
+    /// folders, and names that are not UTF-8 are in the report. A kind whose folder is not there
+    /// has no notes. A calendar note in a sub-folder, or with a name that is no day, is delivered
+    /// all the same.
     ReadReport readAll(const Options& options, const Visit& visit);
 
 private:

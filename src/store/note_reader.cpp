@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: MIT
+#include "store/note_reader.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "base/localisation.h"
+#include "base/utf8.h"
+#include "store/note_names.h"
+#include "store/paths.h"
+#include "store/work_queue.h"
+
+namespace tessaly::store {
+namespace {
+
+using base::Failure;
+using ports::FolderEntry;
+using Kind = FolderEntry::Kind;
+
+constexpr std::string_view attachmentsFolder = "_attachments";
+// So few that two threads end at about the same time, so many that a folder is opened seldom.
+constexpr std::size_t chunkFiles = 128;
+constexpr std::size_t filesBetweenTellings = 512;
+
+/// A folder to be listed; once it is, its note files stand at the front of `entries`.
+struct Folder {
+    base::NoteType type;
+    std::string name;  ///< relative to the kind's folder; empty for that itself
+    std::string path;
+    std::vector<FolderEntry> entries;
+};
+
+/// Part of a folder's files to be read, or, without any, a folder to be listed.
+struct Job {
+    std::shared_ptr<Folder> folder;
+    std::span<const FolderEntry> files;
+};
+
+bool isPassedOver(const FolderEntry& entry) {
+    return entry.name.starts_with('.') || entry.name == attachmentsFolder;
+}
+
+bool isNoteFile(const FolderEntry& entry) {
+    return entry.kind == Kind::file && !isPassedOver(entry) && isNoteFilename(entry.name) &&
+           base::isUtf8(entry.name);
+}
+
+/// One reading of all notes, shared by its workers.
+class Walk {
+public:
+    Walk(const DataStore& store, const NoteReader::Options& options, const NoteReader::Visit& visit,
+         std::size_t workers)
+        : _files(store.files()), _options(options), _visit(visit), _reports(workers) {
+        if (auto root = _files.resolve(store.root())) {
+            _resolvedRoot = std::move(root).value();
+        }
+        for (const base::NoteType type : options.types) {
+            addKind(type, store.folder(type));
+        }
+    }
+
+    /// Works until all is read. Each worker once, on one thread.
+    void work(std::size_t worker) {
+        _queue.drain([&](const Job& job) {
+            if (isCancelled()) {
+                _reports[worker].cancelled = true;
+            } else if (job.files.empty()) {
+                listFolder(worker, job.folder);
+            } else {
+                readFiles(worker, *job.folder, job.files);
+            }
+        });
+    }
+
+    ReadReport report() {
+        ReadReport whole = std::move(_reports.front());
+        for (ReadReport& part : std::span(_reports).subspan(1)) {
+            whole.files += part.files;
+            whole.bytes += part.bytes;
+            whole.cancelled |= part.cancelled;
+            std::move(part.skipped.begin(), part.skipped.end(), std::back_inserter(whole.skipped));
+        }
+        std::sort(whole.skipped.begin(), whole.skipped.end(),
+                  [](const SkippedFile& a, const SkippedFile& b) { return a.path < b.path; });
+        return whole;
+    }
+
+private:
+    void addKind(base::NoteType type, const std::string& path) {
+        auto resolved = _files.resolve(path);
+        if (!resolved) {
+            if (resolved.failure().kind != Failure::Kind::notFound) {
+                skip(0, type, {}, resolved.failure());
+            }
+        } else if (!_resolvedRoot || !isInside(*resolved, *_resolvedRoot)) {
+            skip(0, type, {}, {Failure::Kind::outside, leadsOut()});
+        } else {
+            auto folder =
+                std::make_shared<Folder>(Folder{type, {}, std::move(resolved).value(), {}});
+            _queue.push({std::move(folder), {}});
+        }
+    }
+
+    void listFolder(std::size_t worker, const std::shared_ptr<Folder>& folder) {
+        auto entries = _files.list(folder->path);
+        if (!entries) {
+            skip(worker, folder->type, folder->name, entries.failure());
+            return;
+        }
+        folder->entries = std::move(entries).value();
+        const auto rest =
+            std::partition(folder->entries.begin(), folder->entries.end(), isNoteFile);
+        std::for_each(rest, folder->entries.end(), [&](const FolderEntry& entry) {
+            if (!isPassedOver(entry)) {
+                handleOther(worker, *folder, entry);
+            }
+        });
+        std::span<const FolderEntry> files(folder->entries.begin(), rest);
+        while (files.size() > chunkFiles) {
+            _queue.push({folder, files.last(chunkFiles)});
+            files = files.first(files.size() - chunkFiles);
+        }
+        readFiles(worker, *folder, files);
+    }
+
+    void handleOther(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
+        if (entry.kind == Kind::link) {
+            handleLink(worker, folder, entry);
+            return;
+        }
+        const bool isFolder = entry.kind == Kind::folder;
+        if (!isFolder && !isNoteFilename(entry.name)) {
+            return;
+        }
+        std::string name = joined(folder.name, entry.name);
+        if (!base::isUtf8(entry.name)) {
+            skip(worker, folder.type, name,
+                 {Failure::Kind::malformed, base::tr("its name is not UTF-8")});
+        } else if (isFolder) {
+            if (_options.visitFolder) {
+                _options.visitFolder(worker, folder.type, name);
+            }
+            auto below = std::make_shared<Folder>(
+                Folder{folder.type, std::move(name), joined(folder.path, entry.name), {}});
+            _queue.push({std::move(below), {}});
+        } else {
+            skip(worker, folder.type, name,
+                 {Failure::Kind::notAFile, base::tr("not a regular file")});
+        }
+    }
+
+    void handleLink(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
+        const std::string path = joined(folder.path, entry.name);
+        const std::string name = joined(folder.name, entry.name);
+        const auto kind = _files.kindOf(path);
+        if (kind && *kind == Kind::folder) {
+            skip(worker, folder.type, name,
+                 {Failure::Kind::notAFile, base::tr("links to folders are not followed")});
+        } else if (isNoteFilename(entry.name)) {
+            const auto failure = readLink(worker, folder.type, name, path);
+            if (failure) {
+                skip(worker, folder.type, name, *failure);
+            }
+        }
+    }
+
+    std::optional<Failure> readLink(std::size_t worker, base::NoteType type,
+                                    const std::string& name, const std::string& path) {
+        if (!base::isUtf8(name)) {
+            return Failure{Failure::Kind::malformed, base::tr("its name is not UTF-8")};
+        }
+        const auto target = _files.resolve(path);
+        if (!target) {
+            return target.failure();
+        }
+        if (!_resolvedRoot || !isInside(*target, *_resolvedRoot)) {
+            return Failure{Failure::Kind::outside, leadsOut()};
+        }
+        const auto contents = _files.read(*target);
+        if (!contents) {
+            return contents.failure();
+        }
+        deliver(worker, {type, name, contents->bytes, contents->stamp});
+        return std::nullopt;
+    }
+
+    void readFiles(std::size_t worker, const Folder& folder, std::span<const FolderEntry> files) {
+        if (files.empty()) {
+            return;
+        }
+        std::string name = folder.name;
+        if (!name.empty()) {
+            name += '/';
+        }
+        const std::size_t prefix = name.size();
+        const auto done = _files.readEach(folder.path, files, [&](const ports::FileRead& file) {
+            name.resize(prefix);
+            name += files[file.index].name;
+            if (isCancelled()) {
+                _reports[worker].cancelled = true;
+            } else if (file.failure) {
+                skip(worker, folder.type, name, *file.failure);
+            } else {
+                deliver(worker, {folder.type, name, file.bytes, *file.stamp});
+            }
+        });
+        if (!done) {
+            skip(worker, folder.type, folder.name, done.failure());
+        }
+    }
+
+    void deliver(std::size_t worker, const NoteFile& file) {
+        _visit(worker, file);
+        ++_reports[worker].files;
+        _reports[worker].bytes += file.bytes.size();
+        const std::size_t read = ++_filesRead;
+        if (worker == 0 && _options.progress && read >= _nextTelling) {
+            _nextTelling = read + filesBetweenTellings;
+            _options.progress(read);
+        }
+    }
+
+    void skip(std::size_t worker, base::NoteType type, std::string_view name, Failure failure) {
+        const std::string path = joined(base::folderName(type), name);
+        _reports[worker].skipped.push_back(
+            {base::isUtf8(path) ? path : base::toUtf8(base::toUtf16(path)), std::move(failure)});
+    }
+
+    bool isCancelled() const { return _options.cancelled && *_options.cancelled; }
+
+    static std::string leadsOut() { return base::tr("leads out of the data folder"); }
+
+    ports::FileSystem& _files;
+    const NoteReader::Options& _options;
+    const NoteReader::Visit& _visit;
+    std::optional<std::string> _resolvedRoot;
+    WorkQueue<Job> _queue;
+    std::vector<ReadReport> _reports;  // by worker
+    std::atomic<std::size_t> _filesRead = 0;
+    std::size_t _nextTelling = filesBetweenTellings;  // worker 0's
+};
+
+}  // namespace
+
+NoteReader::NoteReader(const DataStore& store, base::Executor& executor)
+    : _store(store), _executor(executor) {}
+
+std::size_t NoteReader::workers() const {
+    return _executor.width() + 1;
+}
+
+ReadReport NoteReader::readAll(const Options& options, const Visit& visit) {
+    Walk walk(_store, options, visit, workers());
+    base::parallelFor(_executor, workers(), [&](std::size_t worker) { walk.work(worker); });
+    return walk.report();
+}
+
+}  // namespace tessaly::store
