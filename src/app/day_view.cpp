@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "app/day_view.h"
+
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "base/weekday.h"
+#include "grammar/line_scanner.h"
+#include "store/note_document.h"
+#include "store/note_names.h"
+
+namespace tessaly::app {
+namespace {
+
+struct Gathered {
+    store::DayTasks tasks;
+    std::set<base::Day> noteDays;
+    grammar::NoteScanner scanner;
+};
+
+struct Reading {
+    Gathered all;
+    store::ReadReport report;
+};
+
+void addNote(Gathered& gathered, const store::NoteFile& file,
+             const grammar::MarkerSettings& markers) {
+    if (file.type == base::NoteType::calendar) {
+        if (const auto day = store::dayOfCalendarFilename(file.filename)) {
+            gathered.noteDays.insert(*day);
+        }
+    }
+    const auto text = store::decodedText(file.bytes).value_or("");
+    gathered.tasks.add(file.type, file.filename, text, markers, gathered.scanner);
+}
+
+Reading readTasks(Services& services, store::NoteReader::Options options) {
+    options.types = {base::NoteType::calendar, base::NoteType::note};
+    const grammar::MarkerSettings markers = services.markerSettings();
+    store::NoteReader reader(services.dataStore(), services.ports().executor);
+    std::vector<Gathered> byWorker(reader.workers());
+    Reading reading;
+    reading.report = reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+        addNote(byWorker[worker], file, markers);
+    });
+    for (Gathered& gathered : byWorker) {
+        reading.all.tasks.join(std::move(gathered.tasks));
+        reading.all.noteDays.merge(gathered.noteDays);
+    }
+    return reading;
+}
+
+DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base::Day today) {
+    const grammar::DateStringHelper& names = services.dateStrings();
+    DayView view;
+    view.day = day;
+    view.name = names.relativeDay(day, today);
+    view.heading = names.formats().day(day, "EEEEdMMMMyyyy");
+    view.hasNote = gathered.noteDays.count(day) > 0;
+    view.tasks = gathered.tasks.ofNote(day);
+    view.scheduled = gathered.tasks.scheduledTo(day);
+    if (day == today) {
+        view.overdue = gathered.tasks.overdue(today);
+    }
+    return view;
+}
+
+}  // namespace
+
+DayViews dayViews(Services& services, base::Day first, int count,
+                  store::NoteReader::Options options) {
+    Reading reading = readTasks(services, std::move(options));
+    const base::Day today = services.today();
+    DayViews views;
+    for (int i = 0; i < count; ++i) {
+        views.days.push_back(viewOf(services, reading.all, base::addDays(first, i), today));
+    }
+    views.report = std::move(reading.report);
+    return views;
+}
+
+DayViews weekView(Services& services, base::Day day, store::NoteReader::Options options) {
+    const auto first = base::toWeekday(services.globals().firstDayOfWeek());
+    return dayViews(services, base::startOfWeek(day, first), 7, std::move(options));
+}
+
+OverdueView overdueView(Services& services, store::NoteReader::Options options) {
+    Reading reading = readTasks(services, std::move(options));
+    return {reading.all.tasks.overdue(services.today()), std::move(reading.report)};
+}
+
+}  // namespace tessaly::app

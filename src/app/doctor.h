@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/services.h"
+#include "store/note_reader.h"
+
+namespace tessaly::app {
+
+/// One thing that was looked at.
+struct Finding {
+    enum class Level { fine, note, warning };
+    Level level = Level::fine;
+    std::string what;  ///< a short stable word for programs: "dataFolder", "notUtf8", "stray"
+    std::string text;  ///< for the user; it does not repeat the path
+    std::string path;  ///< what it is about, of a note relative to the data folder; may be empty
+};
+
+/// Where everything lies, what is missing, unreadable or doubtful: the data folder and how it was
+/// chosen, settings that cannot be read, numbers of notes, files that are not UTF-8, calendar files
+/// that name no day, conflict copies, names that are not UTF-8, files and links passed over and
+/// why, the steps of start-up that have no meaning here. Of each kind the first twenty and how
+/// many more there are. Reads; changes nothing.
+std::vector<Finding> examine(Services& services, store::NoteReader::Options options = {});
+
+}  // namespace tessaly::app

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "app/services.h"
+
+#include <utility>
+
+namespace tessaly::app {
+
+Services::Services(Ports ports) : _ports(std::move(ports)) {}
+
+Services::~Services() = default;
+
+settings::Globals& Services::globals() {
+    if (!_globals) {
+        _globals =
+            std::make_unique<settings::Globals>(_ports.standardDefaults, _ports.groupDefaults,
+                                                dateStrings().formats().firstDayOfWeek());
+    }
+    return *_globals;
+}
+
+store::DataStore& Services::dataStore() {
+    if (!_dataStore) {
+        _dataStore = std::make_unique<store::DataStore>(
+            _ports.files,
+            store::DataStore::Roots{_ports.folders, bundleIdentifier, _ports.dropboxAuthorised,
+                                    _ports.cloudContainer, _ports.dataFolder});
+    }
+    return *_dataStore;
+}
+
+const grammar::DateStringHelper& Services::dateStrings() {
+    if (!_dateStrings) {
+        _dateStrings =
+            std::make_unique<grammar::DateStringHelper>(base::LocaleFormats(_ports.locale.formats));
+    }
+    return *_dateStrings;
+}
+
+grammar::MarkerSettings Services::markerSettings() {
+    settings::Globals& settings = globals();
+    return {settings.isAsteriskTodo(), settings.isDashTodo(), settings.isNumbersTodo()};
+}
+
+store::CountSettings Services::countSettings() {
+    return {markerSettings(), globals().isIndentedTasksInCalendar()};
+}
+
+}  // namespace tessaly::app

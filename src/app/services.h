@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/executor.h"
+#include "base/locale_formats.h"
+#include "grammar/date_string_helper.h"
+#include "ports/clock.h"
+#include "ports/cloud_container.h"
+#include "ports/file_system.h"
+#include "ports/standard_folders.h"
+#include "ports/user_defaults.h"
+#include "ports/user_locale.h"
+#include "settings/globals.h"
+#include "store/data_store.h"
+#include "store/note_model.h"
+
+namespace tessaly::app {
+
+inline constexpr char bundleIdentifier[] = "org.tessaly.tessaly";
+
+/// The outside world as one program sees it. Everything outlives `Services`.
+struct Ports {
+    ports::FileSystem& files;
+    ports::UserDefaults& standardDefaults;
+    ports::UserDefaults& groupDefaults;
+    ports::Clock& clock;
+    base::Executor& executor;
+    ports::StandardFolders folders;
+    ports::UserLocale locale;
+    ports::DropboxAuthorised dropboxAuthorised;
+    ports::CloudContainer cloudContainer;
+    std::optional<std::string> dataFolder;  ///< named by the user on the command line
+};
+
+/// The shared instances of one program, each made on first use. Not for two threads at once; what
+/// it hands out says for itself which threads may use it.
+class Services {
+public:
+    explicit Services(Ports ports);
+    ~Services();
+
+    const Ports& ports() const { return _ports; }
+    settings::Globals& globals();
+    store::DataStore& dataStore();
+    const grammar::DateStringHelper& dateStrings();
+
+    /// What reading a note depends on, from the settings as they are now.
+    grammar::MarkerSettings markerSettings();
+    store::CountSettings countSettings();
+
+    base::Day today() { return _ports.clock.today(); }
+
+private:
+    Ports _ports;
+    std::unique_ptr<settings::Globals> _globals;
+    std::unique_ptr<store::DataStore> _dataStore;
+    std::unique_ptr<grammar::DateStringHelper> _dateStrings;
+};
+
+}  // namespace tessaly::app

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/services.h"
+#include "app/usage_log.h"
+
+namespace tessaly::app {
+
+/// The steps that bring the program up, in the one order in which they run.
+enum class StartUpStep {
+    moveToApplicationsFolder,
+    setUpDropbox,
+    recordLaunch,
+    checkForUpdates,
+    registerDefaults,
+    startReporting,
+    showWhatIsNew,
+    registerUrlHandler,
+};
+
+/// What became of a step.
+struct StepResult {
+    StartUpStep step;
+    enum class Outcome { done, notNeeded } outcome;
+    std::string_view name;  ///< the step's name, English, fixed
+    std::string note;       ///< why it was not needed, or what was done; English, for diagnostics
+};
+
+/// Runs every step and tells what became of each. Makes no network call, reads no note and writes
+/// nothing: the first launch is known by the absence of settings and of a data folder.
+std::vector<StepResult> startUp(Services& services, const UsageLog& usage = {});
+
+/// The steps that have no meaning on this system and why, without running any.
+std::vector<StepResult> stepsWithoutMeaning();
+
+}  // namespace tessaly::app

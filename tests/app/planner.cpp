@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "app/planner.h"
+
+#include <filesystem>
+#include <sstream>
+
+namespace tessaly::tests {
+
+Planner::Planner(const User& user)
+    : _defaults(_folder / settingsFile),
+      _groupDefaults(_folder / "config/group.json"),
+      _clock(platform::parseTime(user.now).value()),
+      _services({_files,
+                 _defaults,
+                 _groupDefaults,
+                 _clock,
+                 _pool,
+                 {_folder / "data", _folder / "config", _folder / "state", _folder / "cache"},
+                 {user.locale, ""},
+                 [dropbox = user.dropbox] { return dropbox; },
+                 [container = user.cloudContainer] { return container; },
+                 user.dataFolder}) {}
+
+void Planner::write(std::string_view notes) {
+    constexpr std::string_view opener = "-- ";
+    std::istringstream stream{std::string{notes}};
+    std::string filename;
+    std::string text;
+    const auto finish = [&] {
+        if (!filename.empty()) {
+            _folder.write(std::string{root} + filename, text);
+        }
+        text.clear();
+    };
+    for (std::string line; std::getline(stream, line);) {
+        if (line.starts_with(opener)) {
+            finish();
+            filename = line.substr(opener.size());
+        } else {
+            text += line + "\n";
+        }
+    }
+    finish();
+}
+
+std::map<std::string, std::string> Planner::everything() const {
+    std::map<std::string, std::string> all;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(_folder.path())) {
+        const std::string name = std::filesystem::relative(entry.path(), _folder.path());
+        if (entry.is_symlink()) {
+            all[name] = std::filesystem::read_symlink(entry.path());
+        } else if (entry.is_directory()) {
+            all[name + "/"];
+        } else {
+            all[name] = _folder.read(name);
+        }
+    }
+    return all;
+}
+
+}  // namespace tessaly::tests

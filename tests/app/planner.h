@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/services.h"
+#include "base/log.h"
+#include "base/thread_pool.h"
+#include "platform/fixed_clock.h"
+#include "platform/json_user_defaults.h"
+#include "platform/posix_file_system.h"
+#include "support/temp_folder.h"
+
+namespace tessaly::tests {
+
+/// One user's files at one moment, with the real file system and threads below them.
+class Planner {
+public:
+    struct User {
+        std::string_view now = "2019-03-05T14:07:33";  ///< a Tuesday
+        std::string locale = "en_GB";
+        bool dropbox = false;
+        std::optional<std::string> cloudContainer = std::nullopt;
+        std::optional<std::string> dataFolder = std::nullopt;
+    };
+
+    Planner() : Planner(User{}) {}
+    explicit Planner(const User& user);
+
+    /// Writes notes: a line "-- Calendar/20190305.txt" begins each, its lines follow.
+    void write(std::string_view notes);
+
+    /// Writes the settings file, JSON.
+    void set(std::string_view settings) { _folder.write(settingsFile, settings); }
+
+    /// The local data folder, relative to `folder()`, as `root` begins names.
+    static constexpr std::string_view root = "data/org.tessaly.tessaly/";
+    static constexpr std::string_view settingsFile = "config/settings.json";
+
+    const TempFolder& folder() const { return _folder; }
+    app::Services& services() { return _services; }
+
+    /// Every file below the folder and what it holds; folders end in "/",
+    /// links hold where they lead.
+    std::map<std::string, std::string> everything() const;
+
+private:
+    /// Keeps diagnostics out of the tests' output.
+    struct QuietLog {
+        QuietLog() : before(base::setLogSink([](std::string_view) {})) {}
+        ~QuietLog() { base::setLogSink(before); }
+        QuietLog(const QuietLog&) = delete;
+        QuietLog& operator=(const QuietLog&) = delete;
+        base::LogSink before;
+    };
+
+    QuietLog _quietLog;
+    TempFolder _folder;
+    platform::PosixFileSystem _files;
+    platform::JsonUserDefaults _defaults;
+    platform::JsonUserDefaults _groupDefaults;
+    platform::FixedClock _clock;
+    base::ThreadPool _pool{3};
+    app::Services _services;
+};
+
+}  // namespace tessaly::tests

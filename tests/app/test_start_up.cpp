@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include <doctest/doctest.h>
+
+#include "app/planner.h"
+#include "app/start_up.h"
+
+using namespace tessaly;
+using tests::Planner;
+
+namespace {
+
+app::UsageLog toldTo(std::string& events) {
+    return app::UsageLog([&events](std::string_view event, std::string_view value) {
+        events.append(event).append(" ").append(value).append("\n");
+    });
+}
+
+}  // namespace
+
+TEST_CASE("start-up takes its steps in order and leaves no trace") {
+    Planner planner;
+    planner.write("-- Calendar/20190304.txt\n* Open\n");
+    const auto before = planner.everything();
+    std::string text;
+    for (const app::StepResult& result : app::startUp(planner.services())) {
+        const bool done = result.outcome == app::StepResult::Outcome::done;
+        text.append(done ? "+ " : "- ").append(result.name).append("\n");
+        CHECK_FALSE(result.note.empty());
+    }
+    CHECK(text ==
+          "- move to the applications folder\n"
+          "- set up Dropbox\n"
+          "+ record the launch\n"
+          "- check for updates\n"
+          "+ register the defaults\n"
+          "- start crash reports and usage analytics\n"
+          "+ show what is new\n"
+          "- register the URL handler\n");
+    CHECK(planner.everything() == before);
+}
+
+TEST_CASE("the first launch is the one without settings and without a data folder") {
+    const std::string first = "AppStart Launching\nAppStart First Launch\n";
+    const std::string later = "AppStart Launching\n";
+    const struct {
+        std::string file;
+        std::string bytes;
+        const std::string& events;
+    } rows[] = {
+        {"elsewhere", "", first},
+        {"config/settings.json", "{}", first},
+        {"config/settings.json", R"({"fontSize": 12})", later},
+        {"config/settings.json", "damaged", later},
+        {"data/org.tessaly.tessaly/Calendar/20190305.txt", "", later},
+    };
+    for (const auto& row : rows) {
+        CAPTURE(row.file);
+        CAPTURE(row.bytes);
+        Planner planner;
+        planner.folder().write(row.file, row.bytes);
+        std::string events;
+        app::startUp(planner.services(), toldTo(events));
+        CHECK(events == row.events);
+        CHECK(planner.services().globals().runTime().launchedBefore == (row.events == later));
+    }
+}
+
+TEST_CASE("usage events have their names and values") {
+    using app::UsageEvent;
+    std::string events;
+    const app::UsageLog log = toldTo(events);
+    for (const auto event : {UsageEvent::active, UsageEvent::inactive, UsageEvent::exit}) {
+        log.record(event);
+    }
+    CHECK(events == "AppStart Active\nAppStart Inactive\nAppExit \n");
+}
