@@ -47,11 +47,8 @@ constexpr std::size_t unitsOf(CodePoint c) {
 
 }  // namespace
 
-CodePoint codePointAt(std::string_view text, std::size_t at) {
+CodePoint codePointBeyondAscii(std::string_view text, std::size_t at) {
     const unsigned lead = byteAt(text, at);
-    if (lead < 0x80) {
-        return {lead, 1};
-    }
     const unsigned size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
     if (lead < 0xC2 || lead > 0xF4 || at + size > text.size()) {
         return broken;

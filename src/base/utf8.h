@@ -15,7 +15,11 @@ struct CodePoint {
 };
 
 /// The code point that starts at byte `at`, which must be below `text.size()`.
-CodePoint codePointAt(std::string_view text, std::size_t at);
+CodePoint codePointBeyondAscii(std::string_view text, std::size_t at);
+inline CodePoint codePointAt(std::string_view text, std::size_t at) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    return lead < 0x80 ? CodePoint{lead, 1} : codePointBeyondAscii(text, at);
+}
 
 /// The code point that ends just before byte `end`, which must be above 0.
 CodePoint codePointBefore(std::string_view text, std::size_t end);

@@ -41,10 +41,20 @@ bool classifyHeading(std::string_view line, LineClass& found) {
     return true;
 }
 
+/// Most lines of prose need no second look.
+bool startsWithLetter(std::string_view line) {
+    const auto lower = static_cast<unsigned char>(charAt(line, 0) | 0x20);
+    return lower >= 'a' && lower <= 'z';
+}
+
 }  // namespace
 
 LineClass classifyLine(std::string_view line, const MarkerSettings& settings) {
     LineClass found;
+    if (startsWithLetter(line)) {
+        found.type = TodoType::text;
+        return found;
+    }
     const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
     const std::size_t text = skipSpace(line, tabs);
     found.indents = static_cast<std::uint32_t>(tabs);

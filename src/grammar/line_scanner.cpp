@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "grammar/line_scanner.h"
 
-#include <algorithm>
-
 #include "grammar/mark_finder.h"
-#include "grammar/sign_positions.h"
 
 namespace tessaly::grammar {
 
 namespace {
-
-/// Bytes turned into positions at a time: enough to amortise the call, little enough to stay in the
-/// first cache together with the positions.
-constexpr std::size_t windowSize = 16 * 1024;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
@@ -20,10 +13,9 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 void findMarks(std::string_view line, std::vector<Mark>& marks) {
     marks.clear();
-    std::vector<std::uint32_t> signs;
-    appendSignPositions(line, 0, line.size(), signs);
     MarkFinder finder(line, marks);
-    for (const std::uint32_t place : signs) {
+    SignCursor signs(line, 0);
+    for (std::size_t place = signs.next(); place < line.size(); place = signs.next()) {
         finder.sign(place);
     }
 }
@@ -31,58 +23,42 @@ void findMarks(std::string_view line, std::vector<Mark>& marks) {
 void NoteScanner::start(std::string_view text, const MarkerSettings& settings) {
     _text = text;
     _settings = settings;
-    _positions.clear();
-    _nextPosition = 0;
-    _scanned = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-    _lineStart = _scanned;
+    _lineStart = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    _cursor = SignCursor(text, _lineStart);
     _nextIndex = 0;
     _done = _lineStart == text.size();
-}
-
-/// Reads a window more, and lets go of the positions before the current line.
-void NoteScanner::fillPositions() {
-    _positions.erase(_positions.begin(),
-                     _positions.begin() + static_cast<std::ptrdiff_t>(_nextPosition));
-    _nextPosition = 0;
-    const std::size_t to = std::min(_scanned + windowSize, _text.size());
-    appendSignPositions(_text, _scanned, to, _positions);
-    _scanned = to;
 }
 
 const ScannedLine* NoteScanner::next() {
     if (_done) {
         return nullptr;
     }
-    std::size_t signs = 0;  // of this line, seen so far
-    std::size_t end = _text.size();
-    for (;; ++signs) {
-        while (_nextPosition + signs == _positions.size() && _scanned < _text.size()) {
-            fillPositions();
-        }
-        if (_nextPosition + signs == _positions.size()) {
-            _done = true;
-            break;
-        }
-        const std::uint32_t place = _positions[_nextPosition + signs];
-        if (_text[place] == '\n') {
-            end = place;
-            break;
-        }
+    _signs.clear();
+    std::size_t end = _cursor.next();
+    while (end < _text.size() && _text[end] != '\n') {
+        _signs.push_back(end - _lineStart);
+        end = _cursor.next();
     }
-
     _line.index = _nextIndex++;
     _line.start = _lineStart;
     _line.text = _text.substr(_lineStart, end - _lineStart);
     _line.line = classifyLine(_line.text, _settings);
-    _marks.clear();
-    MarkFinder finder(_line.text, _marks);
-    for (std::size_t i = 0; i < signs; ++i) {
-        finder.sign(_positions[_nextPosition + i] - static_cast<std::uint32_t>(_lineStart));
+    _line.marks = {};
+    if (!_signs.empty()) {
+        readMarks();
     }
-    _line.marks = _marks;
-    _nextPosition += signs + (_done ? 0 : 1);
+    _done = end == _text.size();
     _lineStart = end + 1;
     return &_line;
+}
+
+void NoteScanner::readMarks() {
+    _marks.clear();
+    MarkFinder finder(_line.text, _marks);
+    for (const std::size_t place : _signs) {
+        finder.sign(place);
+    }
+    _line.marks = _marks;
 }
 
 }  // namespace tessaly::grammar

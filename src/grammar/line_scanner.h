@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/todo_character.h"
+#include "grammar/sign_cursor.h"
 #include "grammar/todo.h"
 
 namespace tessaly::grammar {
@@ -68,15 +69,14 @@ public:
     const ScannedLine* next();
 
 private:
-    void fillPositions();
+    void readMarks();
 
     std::string_view _text;
     MarkerSettings _settings;
+    SignCursor _cursor;
     ScannedLine _line{};
     std::vector<Mark> _marks;
-    std::vector<std::uint32_t> _positions;  // of line breaks and signs, a window at a time
-    std::size_t _nextPosition = 0;          // in _positions
-    std::size_t _scanned = 0;               // bytes of _text already turned into positions
+    std::vector<std::size_t> _signs;  // places of the current line's signs in it
     std::size_t _lineStart = 0;
     std::size_t _nextIndex = 0;
     bool _done = true;

@@ -56,7 +56,7 @@ std::size_t tagTimeLength(std::string_view text) {
     return behind.starts_with(' ') && isMeridiem(behind.substr(1)) ? bare + 3 : bare;
 }
 
-void MarkFinder::sign(std::uint32_t place) {
+void MarkFinder::sign(std::size_t place) {
     switch (_line[place]) {
         case '#': tag(place, MarkKind::hashtag, _hashtagResume); break;
         case '<': date(place, MarkKind::backLink); break;

@@ -18,7 +18,7 @@ public:
     MarkFinder(std::string_view line, std::vector<Mark>& marks) : _line(line), _marks(marks) {}
 
     /// Looks at the sign ("#", "@", "<" or ">") at byte `place`.
-    void sign(std::uint32_t place);
+    void sign(std::size_t place);
 
 private:
     /// A stretch over which the answer to "where does it end?" is known to be the same.
