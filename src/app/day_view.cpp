@@ -51,7 +51,8 @@ Reading readTasks(Services& services, store::NoteReader::Options options) {
     return reading;
 }
 
-DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base::Day today) {
+DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base::Day today,
+               std::size_t mostOverdue) {
     const grammar::DateStringHelper& names = services.dateStrings();
     DayView view;
     view.day = day;
@@ -61,7 +62,7 @@ DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base
     view.tasks = gathered.tasks.ofNote(day);
     view.scheduled = gathered.tasks.scheduledTo(day);
     if (day == today) {
-        view.overdue = gathered.tasks.overdue(today);
+        view.overdue = gathered.tasks.overdue(today, mostOverdue);
     }
     return view;
 }
@@ -69,25 +70,27 @@ DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base
 }  // namespace
 
 DayViews dayViews(Services& services, base::Day first, int count,
-                  store::NoteReader::Options options) {
+                  store::NoteReader::Options options, std::size_t mostOverdue) {
     Reading reading = readTasks(services, std::move(options));
     const base::Day today = services.today();
     DayViews views;
     for (int i = 0; i < count; ++i) {
-        views.days.push_back(viewOf(services, reading.all, base::addDays(first, i), today));
+        views.days.push_back(
+            viewOf(services, reading.all, base::addDays(first, i), today, mostOverdue));
     }
     views.report = std::move(reading.report);
     return views;
 }
 
-DayViews weekView(Services& services, base::Day day, store::NoteReader::Options options) {
+DayViews weekView(Services& services, base::Day day, store::NoteReader::Options options,
+                  std::size_t mostOverdue) {
     const auto first = base::toWeekday(services.globals().firstDayOfWeek());
-    return dayViews(services, base::startOfWeek(day, first), 7, std::move(options));
+    return dayViews(services, base::startOfWeek(day, first), 7, std::move(options), mostOverdue);
 }
 
 OverdueView overdueView(Services& services, store::NoteReader::Options options) {
     Reading reading = readTasks(services, std::move(options));
-    return {reading.all.tasks.overdue(services.today()), std::move(reading.report)};
+    return {reading.all.tasks.overdue(services.today()).tasks, std::move(reading.report)};
 }
 
 }  // namespace tessaly::app

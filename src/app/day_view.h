@@ -19,7 +19,7 @@ struct DayView {
     bool hasNote = false;
     std::vector<store::NoteTask> tasks;      ///< of the day's own note, in line order
     std::vector<store::NoteTask> scheduled;  ///< planned for the day in other notes
-    std::vector<store::NoteTask> overdue;    ///< filled for today alone
+    store::OverdueTasks overdue;             ///< filled for today alone
 };
 
 struct DayViews {
@@ -27,13 +27,15 @@ struct DayViews {
     store::ReadReport report;
 };
 
-/// The days `first` … `first + count - 1`, out of one reading of the data folder. `options` carries
-/// progress and cancelling.
+/// The days `first` … `first + count - 1`, out of one reading of the data folder. Of what is
+/// overdue today, the first `mostOverdue` are told. `options` carries progress and cancelling.
 DayViews dayViews(Services& services, base::Day first, int count,
-                  store::NoteReader::Options options = {});
+                  store::NoteReader::Options options = {},
+                  std::size_t mostOverdue = store::everyTask);
 
 /// The seven days of the week that holds `day`, by the setting `firstDayOfWeek`.
-DayViews weekView(Services& services, base::Day day, store::NoteReader::Options options = {});
+DayViews weekView(Services& services, base::Day day, store::NoteReader::Options options = {},
+                  std::size_t mostOverdue = store::everyTask);
 
 /// Every open task planned for a day before today.
 struct OverdueView {

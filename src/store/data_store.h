@@ -54,9 +54,9 @@ public:
     bool createFolderIfNonExisting(const std::string& folder);
 
     /// A base name that no entry of `folder` has with `extension`: `base` itself, else "base 2",
-    /// "base 3" …. Names collide when they are the same in composed form after case folding. When
-    /// the folder cannot be listed: logs "error in uniqueFilename(): " and returns `base`; a folder
-    /// that is not there has no entries.
+    /// "base 3" …, cut where that would not fit a file name. Names collide when they are the same
+    /// in composed form after case folding. When the folder cannot be listed: logs "error in
+    /// uniqueFilename(): " and returns `base`; a folder that is not there has no entries.
     std::string uniqueFilename(const std::string& base, std::string_view extension,
                                const std::string& folder) const;
 
@@ -66,7 +66,9 @@ public:
     base::Result<std::string> pathOf(base::NoteType type, std::string_view filename) const;
 
     /// Writes a new file that must not exist, making its folder; for the notes that a new user
-    /// finds. Failures are logged ("Could not make a filename or write a note ") and returned.
+    /// finds. A folder that was made is logged ("Created directories: "); failures are logged
+    /// ("could not create a local folder for saving the notes (very first note?), error " or "Could
+    /// not make a filename or write a note ") and returned.
     base::Result<base::Done> createNote(base::NoteType type, std::string_view filename,
                                         std::string_view text);
 

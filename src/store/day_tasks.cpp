@@ -69,6 +69,7 @@ void DayTasks::add(base::NoteType type, std::string_view filename, std::string_v
         return;
     }
     std::shared_ptr<const Note> note;
+    std::vector<Line>* ofDay = nullptr;
     scanner.start(text, settings);
     while (const ScannedLine* scanned = scanner.next()) {
         if (!grammar::isTask(scanned->line.type)) {
@@ -83,10 +84,11 @@ void DayTasks::add(base::NoteType type, std::string_view filename, std::string_v
             note = std::make_shared<Note>(
                 Note{type, std::string(filename),
                      noteDay ? std::string(name) : grammar::noteTitle(text, name), noteDay});
+            ofDay = noteDay ? &_byNoteDay[*noteDay] : nullptr;
         }
         Line line{note, std::string(scanned->text), scanned->line, scanned->index, scheduledTo};
-        if (noteDay) {
-            _byNoteDay[*noteDay].push_back(line);
+        if (ofDay) {
+            ofDay->push_back(line);
         }
         if (scheduledTo) {
             _scheduled[*scheduledTo].push_back(std::move(line));
@@ -115,7 +117,7 @@ public:
 
     bool hasCopyOf(const Line& line) {
         const auto& source = line.note->day;
-        if (line.line.type != TodoType::scheduled || source == _day) {
+        if (line.line.type != TodoType::scheduled) {
             return false;
         }
         if (!_sources) {
@@ -161,10 +163,10 @@ std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
             }
         }
     }
-    return inOrder(std::move(lines));
+    return inOrder(std::move(lines), everyTask);
 }
 
-std::vector<NoteTask> DayTasks::overdue(base::Day today) const {
+OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
     std::vector<const Line*> lines;
     for (auto day = _byNoteDay.begin(); day != _byNoteDay.lower_bound(today); ++day) {
         for (const Line& line : day->second) {
@@ -183,19 +185,23 @@ std::vector<NoteTask> DayTasks::overdue(base::Day today) const {
             }
         }
     }
-    return inOrder(std::move(lines));
+    const std::size_t total = lines.size();
+    return {inOrder(std::move(lines), most), total};
 }
 
 // By planned day, then by file and line, whatever order the notes were read in.
-std::vector<NoteTask> DayTasks::inOrder(std::vector<const Line*> lines) {
+std::vector<NoteTask> DayTasks::inOrder(std::vector<const Line*> lines, std::size_t most) {
     const auto place = [](const Line* line) {
         return std::tuple(plannedDay(*line), base::folderName(line->note->type),
                           std::string_view(line->note->filename), line->index);
     };
-    std::sort(lines.begin(), lines.end(),
-              [&](const Line* a, const Line* b) { return place(a) < place(b); });
+    const std::size_t count = std::min(most, lines.size());
+    std::partial_sort(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(count),
+                      lines.end(),
+                      [&](const Line* a, const Line* b) { return place(a) < place(b); });
+    lines.resize(count);
     std::vector<NoteTask> tasks;
-    tasks.reserve(lines.size());
+    tasks.reserve(count);
     for (const Line* line : lines) {
         tasks.push_back(taskOf(*line));
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -23,6 +25,15 @@ struct NoteTask {
     grammar::Todo todo;
     /// The day the task is planned for: its schedule tag's, else its note's.
     std::optional<base::Day> day;
+};
+
+/// Stands for any number of tasks.
+inline constexpr std::size_t everyTask = std::numeric_limits<std::size_t>::max();
+
+/// Tasks that are overdue: the first of them, and how many there are in all.
+struct OverdueTasks {
+    std::vector<NoteTask> tasks;
+    std::size_t total = 0;
 };
 
 /// The tasks that have to do with days: every task of a calendar note, and the tasks of general
@@ -48,7 +59,8 @@ public:
 
     /// The open tasks planned for a day before `today`, the oldest first, none twice: a task that
     /// a schedule tag plans for later is not overdue, whatever its note's day.
-    std::vector<NoteTask> overdue(base::Day today) const;
+    /// Records are made for the first `most` alone: there may be thousands that nobody looks at.
+    OverdueTasks overdue(base::Day today, std::size_t most = everyTask) const;
 
 private:
     struct Note {
@@ -70,7 +82,7 @@ private:
 
     static std::optional<base::Day> plannedDay(const Line& line);
     static NoteTask taskOf(const Line& line);
-    static std::vector<NoteTask> inOrder(std::vector<const Line*> lines);
+    static std::vector<NoteTask> inOrder(std::vector<const Line*> lines, std::size_t most);
     const std::vector<Line>& ofDay(base::Day day) const;
 
     std::map<base::Day, std::vector<Line>> _byNoteDay;  // tasks of calendar notes

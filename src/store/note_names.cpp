@@ -45,13 +45,12 @@ std::string_view firstLine(std::string_view text) {
     return line.size() <= maxTitleBytes ? line : base::cutToBytes(line, maxTitleBytes);
 }
 
-// The pattern takes white space at the start of the text with it, line breaks included, but any
-// later line of the text is left alone.
+// The pattern also takes line breaks at the start of the text. Only its first match counts: it
+// would match again behind every line terminator.
 std::string withoutLeadingHashes(std::string_view title, const base::Regex& leadingHashes) {
     const std::u16string line = base::toUtf16(firstLine(base::trimmedStart(title)));
     const auto match = leadingHashes.find(line);
-    const bool atStart = match && match->groups[0]->location == 0;
-    return base::toUtf8(line.substr(atStart ? match->groups[0]->length : 0));
+    return base::toUtf8(line.substr(match ? match->groups[0]->length : 0));
 }
 
 std::string withoutMarkers(std::string_view title, const base::Regex& markersAndBoxes) {

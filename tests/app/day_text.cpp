@@ -28,7 +28,7 @@ std::string dayText(const app::DayViews& views) {
         for (const auto& task : view.scheduled) {
             text += "> " + taskText(task) + placeText(task) + "\n";
         }
-        for (const auto& task : view.overdue) {
+        for (const auto& task : view.overdue.tasks) {
             text += "! " + taskText(task) + placeText(task) + "\n";
         }
     }

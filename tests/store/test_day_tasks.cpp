@@ -41,7 +41,7 @@ std::string printed(const std::vector<store::NoteTask>& tasks) {
 
 std::string answers(const DayTasks& tasks) {
     return "note\n" + printed(tasks.ofNote(today)) + "scheduled\n" +
-           printed(tasks.scheduledTo(today)) + "overdue\n" + printed(tasks.overdue(today));
+           printed(tasks.scheduledTo(today)) + "overdue\n" + printed(tasks.overdue(today).tasks);
 }
 
 void check(const std::vector<NoteRow>& notes, const std::string& expected) {
@@ -133,6 +133,23 @@ TEST_CASE("open tasks planned for an earlier day are overdue, the oldest first, 
           "2019-05-19 Calendar/20190519.txt:5 * copy <2019-05-01\n"
           "2019-05-19 Notes/n.txt:2 * [>] copied >2019-05-19\n"
           "2019-05-20 Notes/n.txt:3 * [>] alone >2019-05-20\n");
+}
+
+TEST_CASE("the first of the overdue tasks are the oldest, and all are counted") {
+    DayTasks tasks;
+    for (const NoteRow& note : std::vector<NoteRow>{
+             {"Calendar/20190303.txt", "* c\n* d\n"},
+             {"Calendar/20190301.txt", "* a\n* b\n"},
+         }) {
+        addTo(tasks, note);
+    }
+    const store::OverdueTasks overdue = tasks.overdue(today, 3);
+    CHECK(overdue.total == 4);
+    CHECK(printed(overdue.tasks) ==
+          "2019-03-01 Calendar/20190301.txt:1 * a\n"
+          "2019-03-01 Calendar/20190301.txt:2 * b\n"
+          "2019-03-03 Calendar/20190303.txt:1 * c\n");
+    CHECK(tasks.overdue(today, 0).tasks.empty());
 }
 
 TEST_CASE("a stray in the calendar folder has no day of its own") {

@@ -156,7 +156,7 @@ TEST_CASE("every executor reads what a plain walk finds") {
 
         base::InlineExecutor alone;
         CHECK(printed(readAll(fixture.store, alone)) == printed(plain));
-        for (const std::size_t threads : {1, 3}) {
+        for (const std::size_t threads : {1U, 3U}) {
             CAPTURE(threads);
             base::ThreadPool pool(threads);
             CHECK(printed(readAll(fixture.store, pool)) == printed(plain));
@@ -273,7 +273,7 @@ TEST_CASE("all notes of a data folder are loaded in order") {
     folder.write("data/Calendar/20190305.txt", "\xEF\xBB\xBF* one\n* [x] two @bob");
     folder.write("data/Calendar/2019-03-05.txt", "stray");
     folder.write("data/Calendar/old/20190301.txt", "stray too");
-    for (const std::size_t threads : {1, 3}) {
+    for (const std::size_t threads : {1U, 3U}) {
         base::ThreadPool pool(threads);
         const auto notes = store::loadNotes(fixture.store, pool, {});
         std::string general;
