@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "cli/command_line.h"
+
+#include <algorithm>
+#include <array>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "base/localisation.h"
+#include "cli/safe_text.h"
+#include "settings/nearest_name.h"
+
+namespace tessaly::cli {
+
+namespace {
+
+using base::Failure;
+using base::tr;
+
+Failure misuse(std::string text) {
+    return {Failure::Kind::malformed, std::move(text)};
+}
+
+/// The parser for our table of verbs. Values land in `invocation`.
+class Parser {
+public:
+    Parser() {
+        _app.set_help_flag();
+        _app.require_subcommand(0, 1);
+        for (const OptionRow& row : globalOptions()) {
+            addOption(_app, row, _globals);
+        }
+        static constexpr OptionRow dump{"--dump", "WHAT", ""};
+        addOption(_app, dump, _globals);
+        for (const VerbRow& verb : verbs()) {
+            addVerb(verb);
+        }
+    }
+
+    base::Result<Invocation> parse(int argc, const char* const* argv) {
+        try {
+            _app.parse(argc, argv);
+        } catch (const CLI::ExtrasError&) {
+            return unexpected(_app.remaining(true).front());
+        } catch (const CLI::ArgumentMismatch& error) {
+            return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), nameIn(error.what())));
+        } catch (const CLI::ParseError& error) {
+            return misuse(error.what());
+        }
+        return finished();
+    }
+
+private:
+    struct Values {
+        std::map<std::string, std::string, std::less<>> texts;
+        std::map<std::string, CLI::Option*, std::less<>> options;
+    };
+
+    static void addOption(CLI::App& app, const OptionRow& row, Values& values) {
+        const std::string name = row.name;
+        CLI::Option* option = row.argument == nullptr
+                                  ? app.add_flag(name == "--help" ? "-h,--help" : name)
+                                  : app.add_option(name, values.texts[name])->take_last();
+        values.options[name] = option;
+    }
+
+    void addVerb(const VerbRow& verb) {
+        CLI::App* app = _app.add_subcommand(verb.name);
+        app->set_help_flag();
+        app->fallthrough();
+        app->add_option("arguments", _arguments);
+        Values& values = _verbs[verb.name];
+        for (const OptionRow& row : verb.options) {
+            addOption(*app, row, values);
+        }
+    }
+
+    /// A message of the parser's begins with the option's name.
+    static std::string nameIn(std::string_view message) {
+        return std::string{message.substr(0, message.find_first_of(": "))};
+    }
+
+    Failure unexpected(const std::string& word) const {
+        const std::string shown = safeText(word);
+        if (word.starts_with('-')) {
+            return misuse(fmt::format(fmt::runtime(tr("unknown option {}")), shown));
+        }
+        if (!_app.get_subcommands().empty()) {
+            return misuse(fmt::format(fmt::runtime(tr("unexpected argument “{}”")), shown));
+        }
+        const VerbRow* near = nearestVerb(word);
+        if (near == nullptr) {
+            return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”")), shown));
+        }
+        return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”; did you mean “{}”?")), shown,
+                                  near->name));
+    }
+
+    std::optional<std::string> global(std::string_view name) const {
+        if (_globals.options.find(name)->second->count() == 0) {
+            return std::nullopt;
+        }
+        const auto text = _globals.texts.find(name);
+        return text == _globals.texts.end() ? std::string{} : text->second;
+    }
+
+    base::Result<Invocation> finished() {
+        Invocation invocation;
+        invocation.root = global("--root");
+        invocation.now = global("--now");
+        invocation.dump = global("--dump");
+        invocation.json = global("--json").has_value();
+        invocation.help = global("--help").has_value();
+        invocation.version = global("--version").has_value();
+        if (!readColor(global("--color").value_or("auto"), invocation.color)) {
+            return misuse(tr("--color is auto, always or never"));
+        }
+        if (!_app.get_subcommands().empty()) {
+            invocation.verb = findVerb(_app.get_subcommands().front()->get_name());
+            invocation.arguments = _arguments;
+            return finishedVerb(std::move(invocation));
+        }
+        return invocation;
+    }
+
+    static bool readColor(std::string_view text, ColorChoice& choice) {
+        constexpr std::array<std::string_view, 3> names{"auto", "always", "never"};
+        const auto found = std::find(names.begin(), names.end(), text);
+        choice = static_cast<ColorChoice>(found - names.begin());
+        return found != names.end();
+    }
+
+    base::Result<Invocation> finishedVerb(Invocation invocation) {
+        const VerbRow& verb = *invocation.verb;
+        const OptionRow* ofGroup = nullptr;
+        for (const OptionRow& row : verb.options) {
+            const Values& values = _verbs[verb.name];
+            if (values.options.find(row.name)->second->count() == 0) {
+                continue;
+            }
+            if (row.group != 0 && ofGroup != nullptr && ofGroup->group == row.group) {
+                return misuse(fmt::format(fmt::runtime(tr("{} and {} exclude each other")),
+                                          ofGroup->name, row.name));
+            }
+            ofGroup = row.group != 0 ? &row : ofGroup;
+            const auto text = values.texts.find(row.name);
+            invocation.options[row.name] = text == values.texts.end() ? "" : text->second;
+        }
+        if (invocation.help || invocation.version) {
+            return invocation;
+        }
+        if (invocation.arguments.size() > verb.most) {
+            return misuse(fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
+                                      safeText(invocation.arguments[verb.most])));
+        }
+        if (invocation.arguments.size() < verb.fewest) {
+            return misuse(fmt::format(fmt::runtime(tr("{} needs {}")), verb.name, verb.synopsis));
+        }
+        return invocation;
+    }
+
+    CLI::App _app;
+    Values _globals;
+    std::map<std::string, Values, std::less<>> _verbs;
+    std::vector<std::string> _arguments;
+};
+
+}  // namespace
+
+base::Result<Invocation> parseCommandLine(int argc, const char* const* argv) {
+    return Parser{}.parse(argc, argv);
+}
+
+const VerbRow* nearestVerb(std::string_view word) {
+    std::vector<std::string_view> names;
+    for (const VerbRow& verb : verbs()) {
+        names.emplace_back(verb.name);
+    }
+    return findVerb(settings::nearestName(word, names));
+}
+
+}  // namespace tessaly::cli

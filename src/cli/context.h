@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <string_view>
+
+#include "app/services.h"
+#include "cli/command_line.h"
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "cli/terminal.h"
+#include "store/note_reader.h"
+
+namespace tessaly::cli {
+
+/// What a verb works with.
+struct Context {
+    app::Services& services;
+    const Invocation& invocation;
+    Output& out;
+    const Terminal& terminal;
+    Progress& progress;
+    const std::atomic<bool>& cancelled;
+    std::size_t skipped = 0;  ///< files that the reading passed over
+
+    /// For a reading of many notes: progress on the terminal, and Ctrl-C.
+    store::NoteReader::Options readOptions();
+};
+
+/// Prints a line to standard error, as the program's: "tessaly: " and what is wrong.
+void complain(std::string_view text);
+
+/// Tells in one line that files were passed over, if there were any.
+void tellOfSkipped(const Context& context);
+
+/// Ends a reading: takes the progress away and keeps the number of files that were passed over.
+/// False: the reading was cancelled, and there is nothing to show.
+bool isComplete(Context& context, const store::ReadReport& report);
+
+}  // namespace tessaly::cli

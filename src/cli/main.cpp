@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <fcntl.h>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+#include "app/services.h"
+#include "base/localisation.h"
+#include "base/thread_pool.h"
+#include "cli/command_line.h"
+#include "cli/context.h"
+#include "cli/read_input.h"
+#include "cli/run.h"
+#include "platform/fixed_clock.h"
+#include "platform/folder_cloud_container.h"
+#include "platform/json_user_defaults.h"
+#include "platform/posix_file_system.h"
+#include "platform/system_clock.h"
+#include "platform/system_locale.h"
+#include "platform/xdg_folders.h"
+
+namespace {
+
+using namespace tessaly;
+
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "set in a signal handler");
+
+extern "C" void onInterrupt(int) {
+    interrupted = true;
+}
+
+/// The first Ctrl-C ends the work in hand, a second one the program. A reader of our output that
+/// goes away shows as a failing write.
+void handleSignals() {
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGINT, &action, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+/// Without them, the next file opened would take the place of a closed standard stream, and what is
+/// printed would end up in it.
+void keepStandardStreams() {
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) {
+            std::abort();
+        }
+    }
+}
+
+std::string catalogueFolder() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string{} : (program.parent_path().parent_path() / "share/locale").string();
+}
+
+std::optional<std::string> dataFolder(const cli::Invocation& invocation) {
+    if (invocation.root) {
+        return cli::absolutePath(*invocation.root);
+    }
+    const char* root = std::getenv("TESSALY_ROOT");
+    if (root == nullptr || *root == '\0') {
+        return std::nullopt;
+    }
+    return cli::absolutePath(root);
+}
+
+/// The clock that the user asked for.
+base::Result<std::unique_ptr<ports::Clock>> makeClock(const cli::Invocation& invocation) {
+    if (!invocation.now) {
+        return std::unique_ptr<ports::Clock>{std::make_unique<platform::SystemClock>()};
+    }
+    const auto time = platform::parseTime(*invocation.now);
+    if (!time) {
+        return time.failure();
+    }
+    return std::unique_ptr<ports::Clock>{std::make_unique<platform::FixedClock>(*time)};
+}
+
+std::size_t poolThreads() {
+    return std::max(std::thread::hardware_concurrency(), 2U) - 1;  // the caller works too
+}
+
+cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& locale,
+                  cli::Output& out) {
+    auto clock = makeClock(invocation);
+    if (!clock) {
+        return cli::refuse(clock.failure());
+    }
+    const ports::StandardFolders folders = platform::xdgFolders("tessaly");
+    platform::PosixFileSystem files;
+    platform::JsonUserDefaults standardDefaults{folders.config + "/settings.json"};
+    platform::JsonUserDefaults groupDefaults{folders.config + "/group.json"};
+    base::ThreadPool pool{poolThreads()};
+    app::Services* shared = nullptr;  // what the cloud drive asks for its folder
+    app::Services services{{files, standardDefaults, groupDefaults, **clock, pool, folders, locale,
+                            [] { return false; }, platform::folderCloudContainer([&shared] {
+                                return shared->globals().cloudDriveContainer();
+                            }),
+                            dataFolder(invocation)}};
+    shared = &services;
+    return cli::run(services, invocation, out, interrupted);
+}
+
+/// An exception that gets this far is a fault of ours, or memory has run out.
+cli::Exit runGuarded(const cli::Invocation& invocation, const ports::UserLocale& locale,
+                     cli::Output& out) {
+    try {
+        const auto exit = cli::runWithoutServices(invocation, out);
+        return exit ? *exit : runVerb(invocation, locale, out);
+    } catch (const std::exception& error) {
+        cli::complain(error.what());
+        return cli::Exit::couldNot;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    keepStandardStreams();
+    handleSignals();
+    const ports::UserLocale locale = platform::systemLocale();
+    base::openCatalogue(catalogueFolder(), locale.languages);
+    cli::Output out{STDOUT_FILENO};
+    const auto invocation = cli::parseCommandLine(argc, argv);
+    if (!invocation) {
+        return static_cast<int>(cli::refuse(invocation.failure()));
+    }
+    const cli::Exit exit = runGuarded(*invocation, locale, out);
+    if (interrupted) {  // so that a script that started us ends too
+        std::signal(SIGINT, SIG_DFL);
+        std::raise(SIGINT);
+    }
+    return static_cast<int>(cli::finish(out, exit));
+}

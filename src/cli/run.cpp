@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "cli/run.h"
+
+#include <string>
+
+#include <fmt/format.h>
+
+#include "app/sample_folder.h"
+#include "app/start_up.h"
+#include "base/localisation.h"
+#include "cli/context.h"
+#include "cli/documents.h"
+#include "cli/help.h"
+#include "cli/safe_text.h"
+#include "cli/verb_functions.h"
+
+namespace tessaly::cli {
+
+namespace {
+
+using base::tr;
+
+/// A folder that the user named must be there: else a slip of the pen would look like an empty one.
+bool isNamedRootThere(app::Services& services) {
+    const auto& root = services.ports().dataFolder;
+    if (!root) {
+        return true;
+    }
+    const auto kind = services.ports().files.kindOf(*root);
+    if (!kind) {
+        complain(safeText(kind.failure().description));
+        return false;
+    }
+    if (*kind != ports::FolderEntry::Kind::folder) {
+        complain(fmt::format(fmt::runtime(tr("{} is no folder")), safeText(*root)));
+        return false;
+    }
+    return true;
+}
+
+/// Gives a new user notes to begin with, in the default data folder only.
+void welcome(app::Services& services) {
+    if (services.ports().dataFolder) {
+        return;
+    }
+    const auto made = app::makeSampleNotes(services);
+    if (!made) {
+        complain(safeText(made.failure().description));
+    } else if (*made > 0) {
+        complain(
+            fmt::format(fmt::runtime(base::trPlural("welcome! {} note to begin with is in {}",
+                                                    "welcome! {} notes to begin with are in {}",
+                                                    static_cast<unsigned long>(*made))),
+                        *made, safeText(services.dataStore().root())));
+    }
+}
+
+void tellOfDamagedSettings(const Context& context) {
+    const bool isReported = context.invocation.verb == findVerb("doctor");
+    if (!isReported && context.services.ports().standardDefaults.problem()) {
+        complain(
+            tr("the settings cannot be read, so all have their defaults; see: tessaly doctor"));
+    }
+}
+
+Exit runVerb(Context& context) {
+    if (context.invocation.verb != nullptr) {
+        return context.invocation.verb->run(context);
+    }
+    welcome(context.services);
+    return runToday(context);
+}
+
+Exit printDocument(const std::string& name, Output& out) {
+    const auto document = documentNamed(name);
+    if (!document) {
+        return refuse({base::Failure::Kind::malformed,
+                       "--dump: man, completion-bash, completion-zsh, completion-fish"});
+    }
+    out.write(*document);
+    return Exit::done;
+}
+
+}  // namespace
+
+std::optional<Exit> runWithoutServices(const Invocation& invocation, Output& out) {
+    if (invocation.dump) {
+        return printDocument(*invocation.dump, out);
+    }
+    if (invocation.version) {
+        out.line(versionText());
+        return Exit::done;
+    }
+    if (invocation.help) {
+        const Terminal terminal = describeStandardOutput(invocation.color);
+        out.write(invocation.verb == nullptr ? helpText(terminal)
+                                             : verbHelpText(*invocation.verb, terminal));
+        return Exit::done;
+    }
+    return std::nullopt;
+}
+
+Exit run(app::Services& services, const Invocation& invocation, Output& out,
+         const std::atomic<bool>& cancelled) {
+    if (!isNamedRootThere(services)) {
+        return Exit::couldNot;
+    }
+    app::startUp(services);
+    const Terminal terminal = describeStandardOutput(invocation.color);
+    Progress progress{base::LocaleFormats{services.ports().locale.formats}};
+    Context context{services, invocation, out, terminal, progress, cancelled};
+    const Exit exit = runVerb(context);
+    // Behind the result, so that in a terminal it is not scrolled away.
+    if (out.flush()) {
+        tellOfSkipped(context);
+        tellOfDamagedSettings(context);
+    }
+    return exit;
+}
+
+Exit refuse(const base::Failure& misuse) {
+    complain(misuse.description);
+    complain(tr("tessaly --help tells what there is."));
+    return Exit::misuse;
+}
+
+Exit finish(Output& out, Exit exit) {
+    if (out.flush()) {
+        return exit;
+    }
+    complain(fmt::format(fmt::runtime(tr("could not write: {}")), out.error()));
+    return Exit::couldNot;
+}
+
+}  // namespace tessaly::cli

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessaly::cli {
+
+/// `text` in single quotes, as bash, zsh and fish all read it; a quote inside is written so that
+/// each of them takes it for itself.
+std::string quoted(std::string_view text);
+
+/// The keys of all settings, a blank between them.
+std::string settingKeys();
+
+}  // namespace tessaly::cli

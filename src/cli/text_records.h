@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "app/services.h"
+#include "cli/json_line.h"
+#include "grammar/todo_helper.h"
+
+namespace tessaly::cli {
+
+/// The lines of a text as JSON: each the fields of its record, then its hashtags, mentions and date
+/// tags, by the settings as they are now.
+std::vector<JsonObject> textRecords(app::Services& services, const grammar::NoteText& note);
+
+}  // namespace tessaly::cli

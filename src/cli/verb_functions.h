@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "cli/verbs.h"
+
+namespace tessaly::cli {
+
+/// The verbs. Each prints its result to the context's output and, when it could not, the reason to
+/// standard error.
+Exit runToday(Context& context);
+Exit runDay(Context& context);
+Exit runWeek(Context& context);
+Exit runOverdue(Context& context);
+Exit runList(Context& context);
+Exit runShow(Context& context);
+Exit runTasks(Context& context);
+Exit runTags(Context& context);
+Exit runMentions(Context& context);
+Exit runParse(Context& context);
+Exit runSettings(Context& context);
+Exit runDoctor(Context& context);
+
+}  // namespace tessaly::cli

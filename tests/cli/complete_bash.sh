@@ -1,0 +1,44 @@
+#!/bin/bash
+# SPDX-License-Identifier: MIT
+# Asks bash's completion for words and compares what it offers.
+#   complete_bash.sh PROGRAM ROOT
+set -u
+PATH=$(dirname "$1"):$PATH
+export TESSALY_ROOT=$2 LC_ALL=C.UTF-8
+source <(tessaly --dump completion-bash)
+compopt() { :; }  # works only where the shell itself completes
+failed=0
+
+# check EXPECTED WORD…: the last word is being typed
+check() {
+    local expected=$1
+    shift
+    COMP_WORDS=(tessaly "$@") COMP_CWORD=$#
+    _tessaly
+    local offered
+    offered=$(printf '%s\n' "${COMPREPLY[@]}" | sort | paste -sd '|')
+    if [[ $offered != "$expected" ]]; then
+        echo "tessaly $*: expected $expected, got $offered"
+        failed=1
+    fi
+}
+
+check 'tags|tasks|today' t
+check 'today' --root nowhere tod
+check '--color' --c
+check 'always|auto|never' --color ''
+check 'always|auto|never' today --color ''
+check '' today ''
+check '--state' tasks --s
+check 'cancelled|done|open|scheduled' tasks --state ''
+check 'today|tomorrow' day to
+check '' day today ''
+check 'Notes/Home/Books.txt|Notes/Home/Garten.txt' show Notes/Home/
+check 'Notes/Reading list.txt' show 'Notes/Reading\ l'
+check '' --root nowhere show Notes/
+check 'get|list|reset|set' settings ''
+check 'isNumbersTodo' settings get isN
+check '' settings set isNumbersTodo ''
+check "$2/Notes" --root "$2/N"
+check "$2/Notes/Home" parse "$2/Notes/H"
+exit $failed
