@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// load_notes ROOT read|load|day [--needle WORD]: reads a data folder in one of three depths and
+// prints what it found, so that each depth can be timed as a whole process.
+//   read  the files' bytes are kept, and not looked at
+//   load  every note is parsed, as the program does at start
+//   day   the tasks that have to do with days are gathered
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <fmt/core.h>
+
+#include "base/day.h"
+#include "base/thread_pool.h"
+#include "platform/posix_file_system.h"
+#include "store/data_store.h"
+#include "store/day_tasks.h"
+#include "store/note_reader.h"
+#include "store/note_set.h"
+
+namespace {
+
+using namespace tessaly;
+using namespace std::chrono_literals;
+
+constexpr base::Day lastDayOfCorpus = 2019y / 12 / 31;
+
+struct Request {
+    const store::DataStore& store;
+    base::Executor& executor;
+    std::string_view needle;  ///< in lower case; empty: none is sought
+};
+
+void printRead(const store::ReadReport& report) {
+    fmt::print("\"files\": {}, \"bytes\": {}, \"skipped\": {}", report.files, report.bytes,
+               report.skipped.size());
+}
+
+void readOnly(const Request& request) {
+    struct Kept {
+        std::string filename;
+        std::string bytes;
+    };
+    store::NoteReader reader(request.store, request.executor);
+    std::vector<std::vector<Kept>> kept(reader.workers());
+    const store::ReadReport report =
+        reader.readAll({}, [&kept](std::size_t worker, const store::NoteFile& file) {
+            kept[worker].push_back({std::string(file.filename), std::string(file.bytes)});
+        });
+    printRead(report);
+}
+
+std::string asciiLower(std::string text) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    std::transform(text.begin(), text.end(), text.begin(), lower);
+    return text;
+}
+
+std::size_t notesWith(std::string_view needle, const store::NoteSet& notes) {
+    std::size_t count = 0;
+    for (const store::LoadedNote& note : notes.generalNotes) {
+        count += asciiLower(note.content).find(needle) != std::string::npos;
+    }
+    for (const auto& [day, note] : notes.calendarNotes) {
+        count += asciiLower(note.content).find(needle) != std::string::npos;
+    }
+    return count;
+}
+
+void load(const Request& request) {
+    const store::NoteSet notes = store::loadNotes(request.store, request.executor, {});
+    std::array<std::size_t, 4> sums{};
+    for (const auto& [day, note] : notes.calendarNotes) {
+        sums[0] += note.model.numOpenTodos;
+        sums[1] += note.model.numScheduledTodos;
+        sums[2] += note.model.numDoneTodos;
+        sums[3] += note.model.numCancelledTodos;
+    }
+    printRead(notes.report);
+    fmt::print(
+        ", \"openInCalendar\": {}, \"scheduledInCalendar\": {}, \"doneInCalendar\": {}, "
+        "\"cancelledInCalendar\": {}",
+        sums[0], sums[1], sums[2], sums[3]);
+    if (!request.needle.empty()) {
+        fmt::print(", \"needle\": {}", notesWith(request.needle, notes));
+    }
+}
+
+void gatherDays(const Request& request) {
+    struct Worker {
+        store::DayTasks tasks;
+        grammar::NoteScanner scanner;
+    };
+    store::NoteReader reader(request.store, request.executor);
+    std::vector<Worker> workers(reader.workers());
+    const store::ReadReport report =
+        reader.readAll({}, [&workers](std::size_t worker, const store::NoteFile& file) {
+            Worker& mine = workers[worker];
+            mine.tasks.add(file.type, file.filename, file.bytes, {}, mine.scanner);
+        });
+    for (std::size_t worker = 1; worker < workers.size(); ++worker) {
+        workers[0].tasks.join(std::move(workers[worker].tasks));
+    }
+    printRead(report);
+    fmt::print(", \"ofToday\": {}, \"scheduledToToday\": {}, \"overdue\": {}",
+               workers[0].tasks.ofNote(lastDayOfCorpus).size(),
+               workers[0].tasks.scheduledTo(lastDayOfCorpus).size(),
+               workers[0].tasks.overdue(lastDayOfCorpus).size());
+}
+
+struct Mode {
+    std::string_view name;
+    void (*run)(const Request&);
+};
+constexpr Mode modes[] = {{"read", readOnly}, {"load", load}, {"day", gatherDays}};
+
+const Mode* findMode(std::string_view name) {
+    const auto found = std::find_if(std::begin(modes), std::end(modes),
+                                    [name](const Mode& mode) { return mode.name == name; });
+    return found == std::end(modes) ? nullptr : found;
+}
+
+store::DataStore::Roots rootsFor(const char* root) {
+    store::DataStore::Roots roots;
+    roots.dataFolder = root;
+    return roots;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Mode* mode = argc == 3 || (argc == 5 && std::strcmp(argv[3], "--needle") == 0)
+                           ? findMode(argv[2])
+                           : nullptr;
+    if (mode == nullptr) {
+        fmt::print(stderr, "usage: load_notes ROOT read|load|day [--needle WORD]\n");
+        return 2;
+    }
+    platform::PosixFileSystem files;
+    const store::DataStore dataStore(files, rootsFor(argv[1]));
+    base::ThreadPool pool(std::max(1U, std::thread::hardware_concurrency() - 1));
+    fmt::print("{{");
+    mode->run({dataStore, pool, argc == 5 ? argv[4] : std::string_view{}});
+    fmt::print("}}\n");
+    return 0;
+}
