@@ -16,6 +16,7 @@
 #include <fmt/core.h>
 
 #include "base/day.h"
+#include "base/shared_text.h"
 #include "base/thread_pool.h"
 #include "platform/posix_file_system.h"
 #include "store/data_store.h"
@@ -41,18 +42,32 @@ void printRead(const store::ReadReport& report) {
                report.skipped.size());
 }
 
+/// Ends the process while the notes are still held: a program that works with them takes them apart
+/// when nobody waits any more.
+[[noreturn]] void finish() {
+    fmt::print("}}\n");
+    std::fflush(stdout);
+    std::_Exit(0);
+}
+
 void readOnly(const Request& request) {
     struct Kept {
         std::string filename;
-        std::string bytes;
+        base::SharedText bytes;
+    };
+    struct Worker {
+        std::vector<Kept> kept;
+        base::TextArena texts;
     };
     store::NoteReader reader(request.store, request.executor);
-    std::vector<std::vector<Kept>> kept(reader.workers());
+    std::vector<Worker> workers(reader.workers());
     const store::ReadReport report =
-        reader.readAll({}, [&kept](std::size_t worker, const store::NoteFile& file) {
-            kept[worker].push_back({std::string(file.filename), std::string(file.bytes)});
+        reader.readAll({}, [&workers](std::size_t worker, const store::NoteFile& file) {
+            Worker& mine = workers[worker];
+            mine.kept.push_back({std::string(file.filename), mine.texts.keep(file.bytes)});
         });
     printRead(report);
+    finish();
 }
 
 std::string asciiLower(std::string text) {
@@ -63,11 +78,11 @@ std::string asciiLower(std::string text) {
 
 std::size_t notesWith(std::string_view needle, const store::NoteSet& notes) {
     std::size_t count = 0;
-    for (const store::LoadedNote& note : notes.generalNotes) {
-        count += asciiLower(note.content).find(needle) != std::string::npos;
+    for (const auto& note : notes.generalNotes) {
+        count += asciiLower(std::string(note->content.view())).find(needle) != std::string::npos;
     }
     for (const auto& [day, note] : notes.calendarNotes) {
-        count += asciiLower(note.content).find(needle) != std::string::npos;
+        count += asciiLower(std::string(note->content.view())).find(needle) != std::string::npos;
     }
     return count;
 }
@@ -76,10 +91,10 @@ void load(const Request& request) {
     const store::NoteSet notes = store::loadNotes(request.store, request.executor, {});
     std::array<std::size_t, 4> sums{};
     for (const auto& [day, note] : notes.calendarNotes) {
-        sums[0] += note.model.numOpenTodos;
-        sums[1] += note.model.numScheduledTodos;
-        sums[2] += note.model.numDoneTodos;
-        sums[3] += note.model.numCancelledTodos;
+        sums[0] += note->model.numOpenTodos;
+        sums[1] += note->model.numScheduledTodos;
+        sums[2] += note->model.numDoneTodos;
+        sums[3] += note->model.numCancelledTodos;
     }
     printRead(notes.report);
     fmt::print(
@@ -89,6 +104,7 @@ void load(const Request& request) {
     if (!request.needle.empty()) {
         fmt::print(", \"needle\": {}", notesWith(request.needle, notes));
     }
+    finish();
 }
 
 void gatherDays(const Request& request) {
@@ -110,7 +126,8 @@ void gatherDays(const Request& request) {
     fmt::print(", \"ofToday\": {}, \"scheduledToToday\": {}, \"overdue\": {}",
                workers[0].tasks.ofNote(lastDayOfCorpus).size(),
                workers[0].tasks.scheduledTo(lastDayOfCorpus).size(),
-               workers[0].tasks.overdue(lastDayOfCorpus).size());
+               workers[0].tasks.overdue(lastDayOfCorpus, 0).total);
+    finish();
 }
 
 struct Mode {
@@ -146,6 +163,4 @@ int main(int argc, char** argv) {
     base::ThreadPool pool(std::max(1U, std::thread::hardware_concurrency() - 1));
     fmt::print("{{");
     mode->run({dataStore, pool, argc == 5 ? argv[4] : std::string_view{}});
-    fmt::print("}}\n");
-    return 0;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/day_view.h"
 
-#include <set>
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -15,7 +15,7 @@ namespace {
 
 struct Gathered {
     store::DayTasks tasks;
-    std::set<base::Day> noteDays;
+    std::vector<base::Day> noteDays;  // in no order
     grammar::NoteScanner scanner;
 };
 
@@ -28,7 +28,7 @@ void addNote(Gathered& gathered, const store::NoteFile& file,
              const grammar::MarkerSettings& markers) {
     if (file.type == base::NoteType::calendar) {
         if (const auto day = store::dayOfCalendarFilename(file.filename)) {
-            gathered.noteDays.insert(*day);
+            gathered.noteDays.push_back(*day);
         }
     }
     const auto text = store::decodedText(file.bytes).value_or("");
@@ -46,7 +46,8 @@ Reading readTasks(Services& services, store::NoteReader::Options options) {
     });
     for (Gathered& gathered : byWorker) {
         reading.all.tasks.join(std::move(gathered.tasks));
-        reading.all.noteDays.merge(gathered.noteDays);
+        reading.all.noteDays.insert(reading.all.noteDays.end(), gathered.noteDays.begin(),
+                                    gathered.noteDays.end());
     }
     return reading;
 }
@@ -58,7 +59,8 @@ DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base
     view.day = day;
     view.name = names.relativeDay(day, today);
     view.heading = names.formats().day(day, "EEEEdMMMMyyyy");
-    view.hasNote = gathered.noteDays.count(day) > 0;
+    view.hasNote = std::find(gathered.noteDays.begin(), gathered.noteDays.end(), day) !=
+                   gathered.noteDays.end();
     view.tasks = gathered.tasks.ofNote(day);
     view.scheduled = gathered.tasks.scheduledTo(day);
     if (day == today) {

@@ -14,6 +14,11 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+/// The first bytes of the line terminators in UTF-8. None of them continues another character.
+bool mayBeginTerminator(char c) {
+    return (c >= '\n' && c <= '\r') || c == '\xC2' || c == '\xE2';
+}
+
 std::size_t numberEnd(std::string_view line, std::size_t place) {
     std::size_t end = place;
     while (isDigit(charAt(line, end))) {
@@ -77,12 +82,11 @@ Box boxAt(std::string_view line, std::size_t place) {
 }
 
 std::string_view upToTerminator(std::string_view text) {
-    for (std::size_t place = 0; place < text.size();) {
-        const base::CodePoint c = base::codePointAt(text, place);
-        if (isLineTerminator(c.value)) {
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        if (mayBeginTerminator(text[place]) &&
+            isLineTerminator(base::codePointAt(text, place).value)) {
             return text.substr(0, place);
         }
-        place += c.size;
     }
     return text;
 }

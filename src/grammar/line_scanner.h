@@ -68,15 +68,20 @@ public:
     /// the text belongs to no line, though `start` counts its bytes.
     const ScannedLine* next();
 
+    /// The next line that holds a mark's sign, "#", "@", "<" or ">", and so may have marks; null
+    /// when no such line is left. For those who only look for marks: the other lines cost nothing
+    /// but their count. May be mixed with `next`.
+    const ScannedLine* nextWithSign();
+
 private:
-    void readMarks();
+    const ScannedLine* lineTo(std::size_t sign);
+    void readMarks(std::size_t firstSign);
 
     std::string_view _text;
     MarkerSettings _settings;
     SignCursor _cursor;
     ScannedLine _line{};
     std::vector<Mark> _marks;
-    std::vector<std::size_t> _signs;  // places of the current line's signs in it
     std::size_t _lineStart = 0;
     std::size_t _nextIndex = 0;
     bool _done = true;

@@ -26,6 +26,13 @@ std::vector<std::string> marksOf(std::string_view line, MarkKind kind) {
     return tags;
 }
 
+/// Whether a tag, which no white space surrounds, is surely in lower case.
+bool isNormalised(std::string_view tag) {
+    return std::none_of(tag.begin(), tag.end(), [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 || (c >= 'A' && c <= 'Z');
+    });
+}
+
 /// Calls `visit` with each beginning of `tag` that names a parent.
 template <class Visit>
 void eachParent(std::string_view tag, Visit visit) {
@@ -70,9 +77,16 @@ void TagList::add(std::string_view tag) {
     if (isBookkeeping(tag)) {
         return;
     }
-    const std::string normalised = normalisedTag(tag);
-    eachParent(normalised, [this](std::string_view parent) { addOnce(parent); });
-    addOnce(normalised);
+    if (isNormalised(tag)) {
+        addWithParents(tag);
+    } else {
+        addWithParents(normalisedTag(tag));
+    }
+}
+
+void TagList::addWithParents(std::string_view tag) {
+    eachParent(tag, [this](std::string_view parent) { addOnce(parent); });
+    addOnce(tag);
 }
 
 void TagList::addOnce(std::string_view tag) {

@@ -31,7 +31,7 @@ std::vector<std::string> withParents(std::string_view tag);
 /// Adds the tags and their parents to a list that holds each once, in order of appearance.
 class TagList {
 public:
-    /// `tag` as written in the text; book-keeping mentions are left out.
+    /// `tag` as a scan finds it in the text, with its sign; book-keeping mentions are left out.
     void add(std::string_view tag);
 
     const std::vector<std::string>& tags() const { return _tags; }
@@ -45,6 +45,7 @@ private:
     /// Up to this many tags, which nearly every note stays below, a search is quicker than a set.
     static constexpr std::size_t smallSize = 16;
 
+    void addWithParents(std::string_view tag);
     void addOnce(std::string_view tag);
 
     std::vector<std::string> _tags;

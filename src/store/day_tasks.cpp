@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "base/utf8.h"
@@ -43,14 +41,32 @@ std::optional<base::Day> firstDay(const ScannedLine& line, MarkKind kind) {
 }
 
 // What an original and its copy have in common.
-std::string bareContent(std::string_view text, const grammar::LineClass& line) {
-    const std::string_view content = grammar::contentOf(text, line);
-    if (content.find_first_of("<>@") == content.npos) {
-        return std::string(base::trimmed(content));
-    }
+std::string bareContent(std::string_view content) {
     const std::string bare =
         grammar::DateTags::removeDateTags(grammar::DateTags::findAndRemoveDoneTag(content));
     return std::string(base::trimmed(bare));
+}
+
+// Whether the bare contents of two tasks surely differ, by the first character in which the tasks
+// do: neither it nor what stands before it may belong to a tag, which takes the blank before it
+// along. This spares nearly all pairs the making of two texts.
+bool surelyDiffer(std::string_view a, std::string_view b) {
+    const auto isOpen = [](std::string_view text, std::size_t at) {
+        if (at == text.size()) {
+            return true;
+        }
+        const char32_t c = base::codePointAt(text, at).value;
+        return c == '<' || c == '>' || c == '@' || base::isWhiteSpace(c);
+    };
+    std::size_t at = 0;
+    while (!isOpen(a, at) && !isOpen(b, at)) {
+        const unsigned size = base::codePointAt(a, at).size;
+        if (a.substr(at, size) != b.substr(at, size)) {
+            return true;
+        }
+        at += size;
+    }
+    return false;
 }
 
 std::optional<base::Day> backLinkDay(std::string_view text) {
@@ -68,164 +84,167 @@ void DayTasks::add(base::NoteType type, std::string_view filename, std::string_v
     if (!noteDay && !mayHoldScheduleTag(text)) {
         return;
     }
-    std::shared_ptr<const Note> note;
-    std::vector<Line>* ofDay = nullptr;
+    Note note;
     scanner.start(text, settings);
-    while (const ScannedLine* scanned = scanner.next()) {
+    const auto next = noteDay ? &grammar::NoteScanner::next : &grammar::NoteScanner::nextWithSign;
+    while (const ScannedLine* scanned = (scanner.*next)()) {
         if (!grammar::isTask(scanned->line.type)) {
             continue;
         }
         const auto scheduledTo = firstDay(*scanned, MarkKind::scheduleTag);
-        if (!scheduledTo && !noteDay) {
-            continue;
-        }
-        if (!note) {
-            const std::string_view name = baseName(filename);
-            note = std::make_shared<Note>(
-                Note{type, std::string(filename),
-                     noteDay ? std::string(name) : grammar::noteTitle(text, name), noteDay});
-            ofDay = noteDay ? &_byNoteDay[*noteDay] : nullptr;
-        }
-        Line line{note, std::string(scanned->text), scanned->line, scanned->index, scheduledTo};
-        if (ofDay) {
-            ofDay->push_back(line);
-        }
-        if (scheduledTo) {
-            _scheduled[*scheduledTo].push_back(std::move(line));
+        if (scheduledTo || noteDay) {
+            note.lines.push_back({static_cast<std::uint32_t>(note.text.size()),
+                                  static_cast<std::uint32_t>(scanned->text.size()),
+                                  static_cast<std::uint32_t>(scanned->index), scanned->line,
+                                  scheduledTo});
+            note.text += scanned->text;
         }
     }
+    if (note.lines.empty()) {
+        return;
+    }
+    const std::string_view name = baseName(filename);
+    note.type = type;
+    note.filename = filename;
+    note.title = noteDay ? std::string(name) : grammar::noteTitle(text, name);
+    note.day = noteDay;
+    _notes.push_back(std::make_unique<const Note>(std::move(note)));
 }
 
 void DayTasks::join(DayTasks&& other) {
-    const auto joinDays = [](auto& days, auto& others) {
-        days.merge(others);
-        for (auto& [day, lines] : others) {
-            auto& known = days[day];
-            std::move(lines.begin(), lines.end(), std::back_inserter(known));
-        }
-        others.clear();
-    };
-    joinDays(_byNoteDay, other._byNoteDay);
-    joinDays(_scheduled, other._scheduled);
+    std::move(other._notes.begin(), other._notes.end(), std::back_inserter(_notes));
+    other._notes.clear();
 }
 
-// The tasks of one day's own note, as copies of lines that are scheduled to that day. They are
-// gathered when the first such line asks.
+template <class Visit>
+void DayTasks::eachTask(Visit visit) const {
+    for (const auto& note : _notes) {
+        for (const Line& line : note->lines) {
+            visit(Found{note.get(), &line});
+        }
+    }
+}
+
+// Tells of scheduled lines whether the day that they name holds a copy.
 class DayTasks::Copies {
 public:
-    Copies(const DayTasks& tasks, base::Day day) : _tasks(tasks), _day(day) {}
+    explicit Copies(const DayTasks& tasks) {
+        for (const auto& note : tasks._notes) {
+            if (note->day) {
+                _notes.emplace_back(*note->day, note.get());
+            }
+        }
+        std::sort(_notes.begin(), _notes.end());
+    }
 
-    bool hasCopyOf(const Line& line) {
-        const auto& source = line.note->day;
-        if (line.line.type != TodoType::scheduled) {
+    bool hasCopyOf(const Found& task) const {
+        if (task.line->line.type != TodoType::scheduled) {
             return false;
         }
-        if (!_sources) {
-            gather();
+        const std::pair<base::Day, const Note*> first{*task.line->scheduledTo, nullptr};
+        const std::string_view sought = behindBox(task);
+        for (auto at = std::lower_bound(_notes.begin(), _notes.end(), first);
+             at != _notes.end() && at->first == first.first; ++at) {
+            for (const Line& line : at->second->lines) {
+                const Found copy{at->second, &line};
+                if (!surelyDiffer(behindBox(copy), sought) && isCopy(copy, task)) {
+                    return true;
+                }
+            }
         }
-        const auto found = _sources->find(bareContent(line.text, line.line));
-        if (found == _sources->end()) {
-            return false;
-        }
-        const auto& days = found->second;
-        return !source || days.contains(source) || days.contains(std::nullopt);
+        return false;
     }
 
 private:
-    void gather() {
-        _sources.emplace();
-        for (const Line& line : _tasks.ofDay(_day)) {
-            (*_sources)[bareContent(line.text, line.line)].insert(backLinkDay(line.text));
-        }
+    static std::string_view behindBox(const Found& task) {
+        return task.note->textOf(*task.line).substr(task.line->line.contentStart);
     }
 
-    const DayTasks& _tasks;
-    const base::Day _day;
-    // The days that link back, by content.
-    std::optional<std::unordered_map<std::string, std::set<std::optional<base::Day>>>> _sources;
+    static bool isCopy(const Found& copy, const Found& original) {
+        const std::string_view text = copy.note->textOf(*copy.line);
+        const std::string_view source = original.note->textOf(*original.line);
+        if (bareContent(grammar::contentOf(text, copy.line->line)) !=
+            bareContent(grammar::contentOf(source, original.line->line))) {
+            return false;
+        }
+        const auto linked = backLinkDay(text);
+        return !original.note->day || !linked || linked == original.note->day;
+    }
+
+    std::vector<std::pair<base::Day, const Note*>> _notes;  // of days, in order
 };
 
 std::vector<NoteTask> DayTasks::ofNote(base::Day day) const {
-    const std::vector<Line>& lines = ofDay(day);
-    std::vector<NoteTask> tasks;
-    std::transform(lines.begin(), lines.end(), std::back_inserter(tasks), taskOf);
-    return tasks;
+    std::vector<Found> tasks;
+    eachTask([&](const Found& task) {
+        if (task.note->day == day) {
+            tasks.push_back(task);
+        }
+    });
+    std::vector<NoteTask> records;
+    std::transform(tasks.begin(), tasks.end(), std::back_inserter(records), recordOf);
+    return records;
 }
 
 std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
-    std::vector<const Line*> lines;
-    const auto found = _scheduled.find(day);
-    if (found != _scheduled.end()) {
-        Copies copies(*this, day);
-        for (const Line& line : found->second) {
-            if (line.note->day != day && !copies.hasCopyOf(line)) {
-                lines.push_back(&line);
-            }
+    const Copies copies(*this);
+    std::vector<Found> tasks;
+    eachTask([&](const Found& task) {
+        if (task.line->scheduledTo == day && task.note->day != day && !copies.hasCopyOf(task)) {
+            tasks.push_back(task);
         }
-    }
-    return inOrder(std::move(lines), everyTask);
+    });
+    return inOrder(std::move(tasks), everyTask);
 }
 
 OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
-    std::vector<const Line*> lines;
-    for (auto day = _byNoteDay.begin(); day != _byNoteDay.lower_bound(today); ++day) {
-        for (const Line& line : day->second) {
-            if (line.line.type == TodoType::open && !line.scheduledTo) {
-                lines.push_back(&line);
-            }
+    const Copies copies(*this);
+    std::vector<Found> tasks;
+    eachTask([&](const Found& task) {
+        const TodoType type = task.line->line.type;
+        if (plannedDay(task) >= today) {
+            return;
         }
-    }
-    for (auto day = _scheduled.begin(); day != _scheduled.lower_bound(today); ++day) {
-        Copies copies(*this, day->first);
-        for (const Line& line : day->second) {
-            const bool standsForItself =
-                line.line.type == TodoType::scheduled && !line.note->day && !copies.hasCopyOf(line);
-            if (line.line.type == TodoType::open || standsForItself) {
-                lines.push_back(&line);
-            }
+        const bool standsForItself =
+            type == TodoType::scheduled && !task.note->day && !copies.hasCopyOf(task);
+        if (type == TodoType::open || standsForItself) {
+            tasks.push_back(task);
         }
-    }
-    const std::size_t total = lines.size();
-    return {inOrder(std::move(lines), most), total};
+    });
+    const std::size_t total = tasks.size();
+    return {inOrder(std::move(tasks), most), total};
 }
 
 // By planned day, then by file and line, whatever order the notes were read in.
-std::vector<NoteTask> DayTasks::inOrder(std::vector<const Line*> lines, std::size_t most) {
-    const auto place = [](const Line* line) {
-        return std::tuple(plannedDay(*line), base::folderName(line->note->type),
-                          std::string_view(line->note->filename), line->index);
+std::vector<NoteTask> DayTasks::inOrder(std::vector<Found> tasks, std::size_t most) {
+    const auto place = [](const Found& task) {
+        return std::tuple(plannedDay(task), base::folderName(task.note->type),
+                          std::string_view(task.note->filename), task.line->index);
     };
-    const std::size_t count = std::min(most, lines.size());
-    std::partial_sort(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(count),
-                      lines.end(),
-                      [&](const Line* a, const Line* b) { return place(a) < place(b); });
-    lines.resize(count);
-    std::vector<NoteTask> tasks;
-    tasks.reserve(count);
-    for (const Line* line : lines) {
-        tasks.push_back(taskOf(*line));
-    }
-    return tasks;
+    const std::size_t count = std::min(most, tasks.size());
+    std::partial_sort(tasks.begin(), tasks.begin() + static_cast<std::ptrdiff_t>(count),
+                      tasks.end(),
+                      [&](const Found& a, const Found& b) { return place(a) < place(b); });
+    tasks.resize(count);
+    std::vector<NoteTask> records;
+    records.reserve(count);
+    std::transform(tasks.begin(), tasks.end(), std::back_inserter(records), recordOf);
+    return records;
 }
 
-std::optional<base::Day> DayTasks::plannedDay(const Line& line) {
-    return line.scheduledTo ? line.scheduledTo : line.note->day;
+std::optional<base::Day> DayTasks::plannedDay(const Found& task) {
+    return task.line->scheduledTo ? task.line->scheduledTo : task.note->day;
 }
 
-const std::vector<DayTasks::Line>& DayTasks::ofDay(base::Day day) const {
-    static const std::vector<Line> none;
-    const auto found = _byNoteDay.find(day);
-    return found == _byNoteDay.end() ? none : found->second;
-}
-
-NoteTask DayTasks::taskOf(const Line& line) {
-    const Note& note = *line.note;
+NoteTask DayTasks::recordOf(const Found& found) {
+    const Note& note = *found.note;
+    const Line& line = *found.line;
+    const std::string_view text = note.textOf(line);
     std::vector<grammar::Mark> marks;
-    grammar::findMarks(line.text, marks);
-    NoteTask task{
-        note.type, note.filename, note.day,
-        grammar::TodoHelper::todoOf({line.index, 0, line.text, line.line, marks}, note.day),
-        plannedDay(line)};
+    grammar::findMarks(text, marks);
+    NoteTask task{note.type, note.filename, note.day,
+                  grammar::TodoHelper::todoOf({line.index, 0, text, line.line, marks}, note.day),
+                  plannedDay(found)};
     task.todo.title = note.title;
     task.todo.filename = joined(base::folderName(note.type), note.filename);
     return task;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -63,30 +63,40 @@ public:
     OverdueTasks overdue(base::Day today, std::size_t most = everyTask) const;
 
 private:
+    struct Line {
+        std::uint32_t start = 0;  // in the note's `text`
+        std::uint32_t length = 0;
+        std::uint32_t index = 0;
+        grammar::LineClass line;
+        std::optional<base::Day> scheduledTo;
+    };
+    // Tasks are kept as found, a note's together, and made into records when asked for: most are
+    // never shown.
     struct Note {
         base::NoteType type = base::NoteType::none;
         std::string filename;
         std::string title;
         std::optional<base::Day> day;
-    };
-    // Kept as found, and made into records when asked for: most are never shown.
-    struct Line {
-        std::shared_ptr<const Note> note;
-        std::string text;
-        grammar::LineClass line;
-        std::size_t index = 0;
-        std::optional<base::Day> scheduledTo;
-    };
+        std::string text;  // of the lines, one behind the other
+        std::vector<Line> lines;
 
+        std::string_view textOf(const Line& line) const {
+            return std::string_view(text).substr(line.start, line.length);
+        }
+    };
+    struct Found {
+        const Note* note;
+        const Line* line;
+    };
     class Copies;
 
-    static std::optional<base::Day> plannedDay(const Line& line);
-    static NoteTask taskOf(const Line& line);
-    static std::vector<NoteTask> inOrder(std::vector<const Line*> lines, std::size_t most);
-    const std::vector<Line>& ofDay(base::Day day) const;
+    template <class Visit>
+    void eachTask(Visit visit) const;
+    static std::optional<base::Day> plannedDay(const Found& task);
+    static NoteTask recordOf(const Found& task);
+    static std::vector<NoteTask> inOrder(std::vector<Found> tasks, std::size_t most);
 
-    std::map<base::Day, std::vector<Line>> _byNoteDay;  // tasks of calendar notes
-    std::map<base::Day, std::vector<Line>> _scheduled;  // by the day of the schedule tag
+    std::vector<std::unique_ptr<const Note>> _notes;  // those that hold such tasks, in no order
 };
 
 }  // namespace tessaly::store

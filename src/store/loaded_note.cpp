@@ -21,29 +21,41 @@ bool isDatedTask(const grammar::ScannedLine& line) {
            });
 }
 
-grammar::Todo datedTodo(const LoadedNote& note, const grammar::ScannedLine& line) {
-    grammar::Todo todo = grammar::TodoHelper::todoOf(line, std::nullopt);
-    todo.title = note.title;
-    todo.filename = joined(base::folderName(base::NoteType::note), note.filename);
-    return todo;
+DatedLine placeOf(const grammar::ScannedLine& line) {
+    return {static_cast<std::uint32_t>(line.start), static_cast<std::uint32_t>(line.text.size()),
+            static_cast<std::uint32_t>(line.index), line.line};
 }
 
 }  // namespace
 
+std::vector<grammar::Todo> LoadedNote::datedTodos() const {
+    std::vector<grammar::Todo> todos;
+    std::vector<grammar::Mark> marks;
+    for (const DatedLine& dated : datedLines) {
+        const std::string_view text = content.view().substr(dated.start, dated.length);
+        grammar::findMarks(text, marks);
+        todos.push_back(grammar::TodoHelper::todoOf(
+            {dated.lineIndex, dated.start, text, dated.line, marks}, std::nullopt));
+        todos.back().title = title;
+        todos.back().filename = joined(base::folderName(base::NoteType::note), filename);
+    }
+    return todos;
+}
+
 LoadedNote loadNote(std::string filename, std::string_view bytes, const ports::FileStamp& stamp,
-                    const CountSettings& settings, grammar::NoteScanner& scanner) {
+                    const CountSettings& settings, LoadingTools& tools) {
     LoadedNote note;
     note.filename = std::move(filename);
-    note.content = decodedText(bytes).value_or(std::string_view());
+    note.content = tools.texts.keep(decodedText(bytes).value_or(std::string_view()));
     note.title = grammar::noteTitle(note.content, baseName(note.filename));
     note.contentChangedDate = stamp.modified;
     note.contentCreatedDate = stamp.created;
     NoteTags tags;
-    scanner.start(note.content, settings.markers);
-    while (const grammar::ScannedLine* line = scanner.next()) {
+    tools.scanner.start(note.content, settings.markers);
+    while (const grammar::ScannedLine* line = tools.scanner.nextWithSign()) {
         tags.add(*line);
         if (isDatedTask(*line)) {
-            note.datedTodos.push_back(datedTodo(note, *line));
+            note.datedLines.push_back(placeOf(*line));
         }
     }
     note.hashTags = tags.hashTags.take();

@@ -23,7 +23,7 @@ using Kind = FolderEntry::Kind;
 
 constexpr std::string_view attachmentsFolder = "_attachments";
 // So few that two threads end at about the same time, so many that a folder is opened seldom.
-constexpr std::size_t chunkFiles = 128;
+constexpr std::size_t chunkFiles = 32;
 constexpr std::size_t filesBetweenTellings = 512;
 
 /// A folder to be listed; once it is, its note files stand at the front of `entries`.

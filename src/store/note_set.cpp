@@ -14,9 +14,9 @@ namespace {
 
 /// What one worker has read.
 struct Part {
-    grammar::NoteScanner scanner;
-    std::vector<LoadedNote> generalNotes;
-    std::vector<CalendarNote> calendarNotes;
+    LoadingTools tools;
+    std::vector<std::shared_ptr<const LoadedNote>> generalNotes;
+    std::vector<std::shared_ptr<const CalendarNote>> calendarNotes;
     std::vector<std::string> strays;
 
     void addFolder(std::string_view folder) {
@@ -24,7 +24,7 @@ struct Part {
         note.title = lastComponent(folder);
         note.filename = folder;
         note.isFolder = true;
-        generalNotes.push_back(std::move(note));
+        generalNotes.push_back(std::make_shared<const LoadedNote>(std::move(note)));
     }
 
     void addCalendarNote(const NoteFile& file, const CountSettings& settings) {
@@ -33,41 +33,34 @@ struct Part {
             return;
         }
         const std::string_view text = decodedText(file.bytes).value_or(std::string_view());
-        calendarNotes.push_back(
-            {NoteModel(std::string(file.filename), file.type, text, settings, scanner),
-             std::string(text), file.stamp});
+        calendarNotes.push_back(std::make_shared<const CalendarNote>(CalendarNote{
+            NoteModel(std::string(file.filename), file.type, text, settings, tools.scanner),
+            tools.texts.keep(text), file.stamp}));
     }
 
     void add(const NoteFile& file, const CountSettings& settings) {
         if (file.type == base::NoteType::calendar) {
             addCalendarNote(file, settings);
         } else {
-            generalNotes.push_back(
-                loadNote(std::string(file.filename), file.bytes, file.stamp, settings, scanner));
+            generalNotes.push_back(std::make_shared<const LoadedNote>(
+                loadNote(std::string(file.filename), file.bytes, file.stamp, settings, tools)));
         }
     }
 };
 
-// Notes are large to move about: they are put in order by address, and moved once.
 void joinGeneralNotes(NoteSet& notes, std::vector<Part>& parts) {
-    std::vector<LoadedNote*> order;
     for (Part& part : parts) {
-        for (LoadedNote& note : part.generalNotes) {
-            order.push_back(&note);
-        }
+        std::move(part.generalNotes.begin(), part.generalNotes.end(),
+                  std::back_inserter(notes.generalNotes));
     }
-    std::sort(order.begin(), order.end(),
-              [](const LoadedNote* a, const LoadedNote* b) { return a->filename < b->filename; });
-    notes.generalNotes.reserve(order.size());
-    for (LoadedNote* note : order) {
-        notes.generalNotes.push_back(std::move(*note));
-    }
+    std::sort(notes.generalNotes.begin(), notes.generalNotes.end(),
+              [](const auto& a, const auto& b) { return a->filename < b->filename; });
 }
 
 void joinCalendar(NoteSet& notes, Part& part) {
     std::move(part.strays.begin(), part.strays.end(), std::back_inserter(notes.strays));
-    for (CalendarNote& note : part.calendarNotes) {
-        const base::Day day = *note.model.date;
+    for (auto& note : part.calendarNotes) {
+        const base::Day day = *note->model.date;
         notes.calendarNotes.emplace(day, std::move(note));
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,14 +15,15 @@ namespace tessaly::store {
 /// A calendar note: its summary and its text.
 struct CalendarNote {
     NoteModel model;
-    std::string content;
+    base::SharedText content;  ///< as of a `LoadedNote`
     ports::FileStamp stamp;
 };
 
-/// All notes of a data folder, as they were at one time.
+/// All notes of a data folder, as they were at one time. Each note is shared, so that a later set
+/// takes over those that have not changed.
 struct NoteSet {
-    std::vector<LoadedNote> generalNotes;  ///< and their folders; by file name
-    std::map<base::Day, CalendarNote> calendarNotes;
+    std::vector<std::shared_ptr<const LoadedNote>> generalNotes;  ///< and folders; by file name
+    std::map<base::Day, std::shared_ptr<const CalendarNote>> calendarNotes;
     std::vector<std::string> strays;  ///< files in the calendar folder that name no day
     ReadReport report;
 };

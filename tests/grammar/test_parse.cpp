@@ -179,6 +179,31 @@ TEST_CASE("the lines of a note, joined again, are the note") {
     }
 }
 
+TEST_CASE("lines with a sign are those of all lines that have one") {
+    const std::string text =
+        "\xEF\xBB\xBFplain\n* a #tag\n\n\tb\r\n> quote\n[>] c\nd\n@e >2019-05-21";
+    NoteScanner all;
+    NoteScanner some;
+    all.start(text, asterisk);
+    some.start(text, asterisk);
+    std::size_t found = 0;
+    while (const ScannedLine* line = all.next()) {
+        if (line->text.find_first_of("#@<>") == std::string_view::npos) {
+            continue;
+        }
+        const ScannedLine* same = some.nextWithSign();
+        REQUIRE(same != nullptr);
+        CHECK(same->index == line->index);
+        CHECK(same->start == line->start);
+        CHECK(same->text == line->text);
+        CHECK(same->line.type == line->line.type);
+        CHECK(same->marks.size() == line->marks.size());
+        ++found;
+    }
+    CHECK(found == 4);
+    CHECK(some.nextWithSign() == nullptr);
+}
+
 TEST_CASE("a new task reads back as an open task") {
     using base::TodoCharacter;
     struct Row {

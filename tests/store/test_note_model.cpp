@@ -103,7 +103,7 @@ TEST_CASE("sums of a crowded day stop at 255") {
 }
 
 TEST_CASE("a general note is read in full") {
-    grammar::NoteScanner scanner;
+    store::LoadingTools tools;
     const ports::FileStamp stamp{.inode = 1,
                                  .size = 2,
                                  .modified = base::Instant{std::chrono::seconds{3}},
@@ -117,22 +117,22 @@ TEST_CASE("a general note is read in full") {
                                       "* d >2019-02-31 <2019-03-07\n"
                                       "text >2019-03-08 #Tag @Bob\n"
                                       "* e @2019-03-09",
-                                      stamp, {}, scanner);
+                                      stamp, {}, tools);
     CHECK(note.title == "My plans");
-    CHECK(note.content.starts_with("## My plans\n"));
+    CHECK(note.content.view().starts_with("## My plans\n"));
     CHECK(note.contentChangedDate == stamp.modified);
     CHECK(note.contentCreatedDate == stamp.created);
     CHECK(note.hashTags == std::vector<std::string>{"#tag"});
     CHECK(note.atTags == std::vector<std::string>{"@bob"});
     std::vector<std::string> dated;
-    for (const auto& todo : note.datedTodos) {
+    for (const auto& todo : note.datedTodos()) {
         dated.push_back(fmt::format("{} {}", todo.filename, todo.lineIndex));
     }
     CHECK(dated == std::vector<std::string>{"Notes/sub/Plans.txt 1", "Notes/sub/Plans.txt 2",
                                             "Notes/sub/Plans.txt 4", "Notes/sub/Plans.txt 6"});
 
-    const auto damaged = store::loadNote("caf\xC3\xA9.md", "caf\xE9 #tag", stamp, {}, scanner);
-    CHECK(damaged.content.empty());
+    const auto damaged = store::loadNote("caf\xC3\xA9.md", "caf\xE9 #tag", stamp, {}, tools);
+    CHECK(damaged.content.view().empty());
     CHECK(damaged.hashTags.empty());
     CHECK(damaged.title == "caf\xC3\xA9");
 }

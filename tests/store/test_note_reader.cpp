@@ -278,16 +278,16 @@ TEST_CASE("all notes of a data folder are loaded in order") {
         const auto notes = store::loadNotes(fixture.store, pool, {});
         std::string general;
         for (const auto& note : notes.generalNotes) {
-            general += note.filename + "|" + note.title + (note.isFolder ? "|folder\n" : "\n");
+            general += note->filename + "|" + note->title + (note->isFolder ? "|folder\n" : "\n");
         }
         CHECK(general == "a.md|text #tag\nb|b|folder\nb/broken.txt|broken\nb/c.txt|C\n");
         CHECK(notes.strays == std::vector<std::string>{"2019-03-05.txt", "old/20190301.txt"});
         REQUIRE(notes.calendarNotes.size() == 1);
         const auto& [day, note] = *notes.calendarNotes.begin();
         CHECK(base::fileText(day) == "20190305");
-        CHECK(note.content == "* one\n* [x] two @bob");
-        CHECK(note.model.numOpenTodos == 1);
-        CHECK(note.model.atTags == std::vector<std::string>{"@bob"});
+        CHECK(note->content.view() == "* one\n* [x] two @bob");
+        CHECK(note->model.numOpenTodos == 1);
+        CHECK(note->model.atTags == std::vector<std::string>{"@bob"});
         CHECK(notes.report.files == 6);
     }
 }
