@@ -10,9 +10,9 @@ namespace tessaly::grammar {
 
 namespace {
 
-/// Parents deeper than this are not listed: a tag of a thousand levels is damage, and its parents
-/// together would be five hundred times its length.
-constexpr std::size_t maxLevels = 32;
+/// Parents of a tag are listed up to so many bytes in all: a tag of thousands of levels is damage,
+/// and its parents together would be thousands of times its length.
+constexpr std::size_t maxParentBytes = 64 * 1024;
 
 std::vector<std::string> marksOf(std::string_view line, MarkKind kind) {
     std::vector<Mark> marks;
@@ -37,12 +37,12 @@ bool isNormalised(std::string_view tag) {
 template <class Visit>
 void eachParent(std::string_view tag, Visit visit) {
     const std::size_t nameEnd = std::min(tag.find('('), tag.size());
-    std::size_t levels = 0;
-    for (std::size_t at = 1; at < nameEnd && levels < maxLevels; ++at) {
+    std::size_t bytes = 0;
+    for (std::size_t at = 1; at < nameEnd && bytes + at <= maxParentBytes; ++at) {
         const bool endsPart = tag[at] == '/' && tag[at - 1] != '/' && at > 1;
         if (endsPart) {
             visit(tag.substr(0, at));
-            ++levels;
+            bytes += at;
         }
     }
 }

@@ -25,7 +25,7 @@ std::string normalisedTag(std::string_view tag);
 
 /// A tag and the parents that its "/"-separated name implies, parents first; an argument belongs to
 /// the tag alone: `#a/b(c/d)` gives `#a`, `#a/b(c/d)`. Empty parts make no
-/// parent, and only the first 32 levels do.
+/// parent, and only the first do, up to 64 KB in all.
 std::vector<std::string> withParents(std::string_view tag);
 
 /// Adds the tags and their parents to a list that holds each once, in order of appearance.

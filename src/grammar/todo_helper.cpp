@@ -40,8 +40,7 @@ bool isRecurring(const ScannedLine& line) {
 }
 
 std::optional<Day> scheduledDay(const ScannedLine& line) {
-    const Mark* tag = firstOf(line, MarkKind::scheduleTag);
-    return tag == nullptr ? std::nullopt : DateTags::dayOf(textOf(line, *tag));
+    return TodoHelper::firstDay(line, MarkKind::scheduleTag);
 }
 
 /// The completion tag counts only where no schedule tag names the day.
@@ -104,6 +103,11 @@ private:
 };
 
 }  // namespace
+
+std::optional<Day> TodoHelper::firstDay(const ScannedLine& line, MarkKind kind) {
+    const Mark* tag = firstOf(line, kind);
+    return tag == nullptr ? std::nullopt : DateTags::dayOf(textOf(line, *tag));
+}
 
 Todo TodoHelper::todoOf(const ScannedLine& line, std::optional<Day> noteDay) {
     Todo todo;

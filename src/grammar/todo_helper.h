@@ -24,6 +24,10 @@ public:
     /// left empty. `noteDay` is the day of a calendar note.
     static Todo todoOf(const ScannedLine& line, std::optional<base::Day> noteDay);
 
+    /// The day of the line's first date tag of this kind. The first decides: nothing also when it
+    /// names no real day.
+    static std::optional<base::Day> firstDay(const ScannedLine& line, MarkKind kind);
+
     /// What the editor writes to start a task; `number` is the item number where the marker is one.
     static std::string newTaskPrefix(const MarkerSettings& settings,
                                      base::TodoCharacter defaultTodoCharacter, int number = 1);

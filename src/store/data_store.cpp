@@ -205,9 +205,9 @@ base::Result<base::Done> DataStore::makeFolderOfNote(const std::string& folder) 
     if (kind) {
         return base::Done{};
     }
-    const auto made = kind.failure().kind == Failure::Kind::notFound
-                          ? _files.makeFolders(folder)
-                          : base::Result<base::Done>(kind.failure());
+    auto made = kind.failure().kind == Failure::Kind::notFound
+                    ? _files.makeFolders(folder)
+                    : base::Result<base::Done>(kind.failure());
     if (made) {
         base::log("Created directories: ", folder);
     } else {

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "base/utf8.h"
@@ -30,43 +33,18 @@ bool mayHoldScheduleTag(std::string_view text) {
     return false;
 }
 
-// The first tag of a kind decides, also when it names no real day.
 std::optional<base::Day> firstDay(const ScannedLine& line, MarkKind kind) {
-    for (const grammar::Mark& mark : line.marks) {
-        if (mark.kind == kind) {
-            return dayOfMark(line, mark);
-        }
-    }
-    return std::nullopt;
+    return grammar::TodoHelper::firstDay(line, kind);
 }
 
 // What an original and its copy have in common.
 std::string bareContent(std::string_view content) {
+    if (content.find_first_of("<>@") == content.npos) {
+        return std::string(base::trimmed(content));
+    }
     const std::string bare =
         grammar::DateTags::removeDateTags(grammar::DateTags::findAndRemoveDoneTag(content));
     return std::string(base::trimmed(bare));
-}
-
-// Whether the bare contents of two tasks surely differ, by the first character in which the tasks
-// do: neither it nor what stands before it may belong to a tag, which takes the blank before it
-// along. This spares nearly all pairs the making of two texts.
-bool surelyDiffer(std::string_view a, std::string_view b) {
-    const auto isOpen = [](std::string_view text, std::size_t at) {
-        if (at == text.size()) {
-            return true;
-        }
-        const char32_t c = base::codePointAt(text, at).value;
-        return c == '<' || c == '>' || c == '@' || base::isWhiteSpace(c);
-    };
-    std::size_t at = 0;
-    while (!isOpen(a, at) && !isOpen(b, at)) {
-        const unsigned size = base::codePointAt(a, at).size;
-        if (a.substr(at, size) != b.substr(at, size)) {
-            return true;
-        }
-        at += size;
-    }
-    return false;
 }
 
 std::optional<base::Day> backLinkDay(std::string_view text) {
@@ -125,53 +103,57 @@ void DayTasks::eachTask(Visit visit) const {
     }
 }
 
-// Tells of scheduled lines whether the day that they name holds a copy.
+// Tells of scheduled lines whether the day that they name holds a copy. A day's tasks are read when
+// the first line asks, once for all that ask.
 class DayTasks::Copies {
 public:
     explicit Copies(const DayTasks& tasks) {
         for (const auto& note : tasks._notes) {
             if (note->day) {
-                _notes.emplace_back(*note->day, note.get());
+                _days[*note->day].notes.push_back(note.get());
             }
         }
-        std::sort(_notes.begin(), _notes.end());
     }
 
-    bool hasCopyOf(const Found& task) const {
+    bool hasCopyOf(const Found& task) {
         if (task.line->line.type != TodoType::scheduled) {
             return false;
         }
-        const std::pair<base::Day, const Note*> first{*task.line->scheduledTo, nullptr};
-        const std::string_view sought = behindBox(task);
-        for (auto at = std::lower_bound(_notes.begin(), _notes.end(), first);
-             at != _notes.end() && at->first == first.first; ++at) {
-            for (const Line& line : at->second->lines) {
-                const Found copy{at->second, &line};
-                if (!surelyDiffer(behindBox(copy), sought) && isCopy(copy, task)) {
-                    return true;
-                }
-            }
+        const auto found = _days.find(*task.line->scheduledTo);
+        if (found == _days.end()) {
+            return false;
         }
-        return false;
+        found->second.read();
+        const auto copies = found->second.links.find(bareContent(contentOf(task)));
+        if (copies == found->second.links.end()) {
+            return false;
+        }
+        const auto& source = task.note->day;
+        const auto& links = copies->second;
+        return !source || links.contains(std::nullopt) || links.contains(source);
     }
 
 private:
-    static std::string_view behindBox(const Found& task) {
-        return task.note->textOf(*task.line).substr(task.line->line.contentStart);
-    }
+    struct OfDay {
+        std::vector<const Note*> notes;
+        // Where the tasks with this bare content link back to.
+        std::unordered_map<std::string, std::set<std::optional<base::Day>>> links;
 
-    static bool isCopy(const Found& copy, const Found& original) {
-        const std::string_view text = copy.note->textOf(*copy.line);
-        const std::string_view source = original.note->textOf(*original.line);
-        if (bareContent(grammar::contentOf(text, copy.line->line)) !=
-            bareContent(grammar::contentOf(source, original.line->line))) {
-            return false;
+        void read() {
+            for (const Note* note : std::exchange(notes, {})) {
+                for (const Line& line : note->lines) {
+                    links[bareContent(contentOf({note, &line}))].insert(
+                        backLinkDay(note->textOf(line)));
+                }
+            }
         }
-        const auto linked = backLinkDay(text);
-        return !original.note->day || !linked || linked == original.note->day;
+    };
+
+    static std::string_view contentOf(const Found& task) {
+        return grammar::contentOf(task.note->textOf(*task.line), task.line->line);
     }
 
-    std::vector<std::pair<base::Day, const Note*>> _notes;  // of days, in order
+    std::map<base::Day, OfDay> _days;
 };
 
 std::vector<NoteTask> DayTasks::ofNote(base::Day day) const {
@@ -187,7 +169,7 @@ std::vector<NoteTask> DayTasks::ofNote(base::Day day) const {
 }
 
 std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
-    const Copies copies(*this);
+    Copies copies(*this);
     std::vector<Found> tasks;
     eachTask([&](const Found& task) {
         if (task.line->scheduledTo == day && task.note->day != day && !copies.hasCopyOf(task)) {
@@ -198,7 +180,7 @@ std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
 }
 
 OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
-    const Copies copies(*this);
+    Copies copies(*this);
     std::vector<Found> tasks;
     eachTask([&](const Found& task) {
         const TodoType type = task.line->line.type;

@@ -93,7 +93,7 @@ private:
     template <class Visit>
     void eachTask(Visit visit) const;
     static std::optional<base::Day> plannedDay(const Found& task);
-    static NoteTask recordOf(const Found& task);
+    static NoteTask recordOf(const Found& found);
     static std::vector<NoteTask> inOrder(std::vector<Found> tasks, std::size_t most);
 
     std::vector<std::unique_ptr<const Note>> _notes;  // those that hold such tasks, in no order

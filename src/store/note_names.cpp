@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "store/note_names.h"
 
+#include <algorithm>
 #include <array>
 
 #include <fmt/format.h>
@@ -9,7 +10,6 @@
 #include "base/log.h"
 #include "base/regex.h"
 #include "base/utf8.h"
-#include "grammar/patterns.h"
 
 namespace tessaly::store {
 namespace {
@@ -18,8 +18,9 @@ constexpr std::array<std::string_view, 2> extensions{".txt", ".md"};
 constexpr std::size_t maxTitleCharacters = 100;
 // Room for " NN" and the extension behind a name.
 constexpr std::size_t maxNameBytes = maxFilenameBytes - 3 - 1 - noteExtension.size();
-// A name needs far less, and a pattern's time may grow with the square of the line.
-constexpr std::size_t maxTitleBytes = 1024;
+// A name needs far less of a line, and a pattern's time may grow with the square of its length.
+constexpr std::size_t maxTitleBytes = 4096;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 const base::Regex& forbiddenCharacters() {
     static const base::Regex regex(uR"([#/\\?%*|"<>:.@#])");
@@ -41,20 +42,49 @@ std::string_view extensionOf(std::string_view filename) {
 }
 
 std::string_view firstLine(std::string_view text) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    return line.size() <= maxTitleBytes ? line : base::cutToBytes(line, maxTitleBytes);
+    return text.substr(0, text.find('\n'));
 }
 
-// The pattern also takes line breaks at the start of the text. Only its first match counts: it
-// would match again behind every line terminator.
-std::string withoutLeadingHashes(std::string_view title, const base::Regex& leadingHashes) {
-    const std::u16string line = base::toUtf16(firstLine(base::trimmedStart(title)));
-    const auto match = leadingHashes.find(line);
-    return base::toUtf8(line.substr(match ? match->groups[0]->length : 0));
+// As `patterns::leadingHashes`, which takes line breaks at the start of the text too.
+std::string_view withoutLeadingHashes(std::string_view title) {
+    title = base::trimmedStart(title);
+    return firstLine(title.substr(std::min(title.find_first_not_of('#'), title.size())));
 }
 
-std::string withoutMarkers(std::string_view title, const base::Regex& markersAndBoxes) {
-    return base::toUtf8(markersAndBoxes.replaceAll(base::toUtf16(firstLine(title)), u""));
+// Where a marker or box that begins at `at` ends; `at` itself when none does. A run of digits is
+// looked at once, as a whole.
+std::size_t markerEnd(std::string_view line, std::size_t at) {
+    constexpr std::string_view signs = "*->#";
+    constexpr std::string_view states = "x->";
+    const auto isAny = [&](std::size_t place, std::string_view of) {
+        return place < line.size() && of.find(line[place]) != of.npos;
+    };
+    if (isAny(at, signs)) {
+        return at + 1;
+    }
+    return isAny(at, "[") && isAny(at + 1, states) && isAny(at + 2, "]") ? at + 3 : at;
+}
+
+// As `patterns::markersAndBoxes` with nothing put in their place.
+std::string withoutMarkers(std::string_view title) {
+    const std::string_view line = firstLine(title);
+    std::string kept;
+    for (std::size_t at = 0; at < line.size();) {
+        const std::size_t digits = std::min(line.find_first_not_of("0123456789", at), line.size());
+        if (digits > at) {
+            const bool isNumber =
+                digits < line.size() && (line[digits] == '.' || line[digits] == ')');
+            kept += isNumber ? std::string_view{} : line.substr(at, digits - at);
+            at = digits + (isNumber ? 1 : 0);
+            continue;
+        }
+        const std::size_t end = markerEnd(line, at);
+        if (end == at) {
+            kept += line[at++];
+        }
+        at = std::max(at, end);
+    }
+    return kept;
 }
 
 std::string withoutForbiddenCharacters(std::string_view line) {
@@ -81,15 +111,17 @@ std::string_view baseName(std::string_view filename) {
 }
 
 std::optional<std::string> filenameFromTitle(std::string_view title, StripListMarkers strip) {
-    namespace patterns = grammar::patterns;
-    const base::Regex& leadIn = patterns::compiled(
-        strip == StripListMarkers::yes ? patterns::markersAndBoxes : patterns::leadingHashes);
-    if (!leadIn.valid() || !forbiddenCharacters().valid() || !whiteSpaceRuns().valid()) {
+    if (!forbiddenCharacters().valid() || !whiteSpaceRuns().valid()) {
         base::log("Couldn't find a good filename");
         return std::nullopt;
     }
-    const std::string line = strip == StripListMarkers::yes ? withoutMarkers(title, leadIn)
-                                                            : withoutLeadingHashes(title, leadIn);
+    if (title.starts_with(byteOrderMark)) {
+        title.remove_prefix(byteOrderMark.size());
+    }
+    const std::string whole = strip == StripListMarkers::yes
+                                  ? withoutMarkers(title)
+                                  : std::string(withoutLeadingHashes(title));
+    const std::string_view line = base::cutToBytes(base::trimmed(whole), maxTitleBytes);
     const std::string name =
         withoutForbiddenCharacters(base::firstGraphemes(base::trimmed(line), maxTitleCharacters));
     const std::string_view cut = base::cutToBytes(base::trimmed(name), maxNameBytes);

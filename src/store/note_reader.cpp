@@ -55,11 +55,12 @@ public:
     Walk(const DataStore& store, const NoteReader::Options& options, const NoteReader::Visit& visit,
          std::size_t workers)
         : _files(store.files()), _options(options), _visit(visit), _reports(workers) {
-        if (auto root = _files.resolve(store.root())) {
-            _resolvedRoot = std::move(root).value();
+        const std::string root = store.root();
+        if (auto resolved = _files.resolve(root)) {
+            _resolvedRoot = std::move(resolved).value();
         }
         for (const base::NoteType type : options.types) {
-            addKind(type, store.folder(type));
+            addKind(type, joined(root, base::folderName(type)));
         }
     }
 
@@ -153,39 +154,14 @@ private:
         }
     }
 
+    // What a link inside the data folder leads to is read where it lies; what lies outside is not
+    // ours.
     void handleLink(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
-        const std::string path = joined(folder.path, entry.name);
-        const std::string name = joined(folder.name, entry.name);
-        const auto kind = _files.kindOf(path);
-        if (kind && *kind == Kind::folder) {
-            skip(worker, folder.type, name,
-                 {Failure::Kind::notAFile, base::tr("links to folders are not followed")});
-        } else if (isNoteFilename(entry.name)) {
-            const auto failure = readLink(worker, folder.type, name, path);
-            if (failure) {
-                skip(worker, folder.type, name, *failure);
-            }
+        const auto kind = _files.kindOf(joined(folder.path, entry.name));
+        if (isNoteFilename(entry.name) || (kind && *kind == Kind::folder)) {
+            skip(worker, folder.type, joined(folder.name, entry.name),
+                 {Failure::Kind::notAFile, base::tr("links are not followed")});
         }
-    }
-
-    std::optional<Failure> readLink(std::size_t worker, base::NoteType type,
-                                    const std::string& name, const std::string& path) {
-        if (!base::isUtf8(name)) {
-            return Failure{Failure::Kind::malformed, base::tr("its name is not UTF-8")};
-        }
-        const auto target = _files.resolve(path);
-        if (!target) {
-            return target.failure();
-        }
-        if (!_resolvedRoot || !isInside(*target, *_resolvedRoot)) {
-            return Failure{Failure::Kind::outside, leadsOut()};
-        }
-        const auto contents = _files.read(*target);
-        if (!contents) {
-            return contents.failure();
-        }
-        deliver(worker, {type, name, contents->bytes, contents->stamp});
-        return std::nullopt;
     }
 
     void readFiles(std::size_t worker, const Folder& folder, std::span<const FolderEntry> files) {

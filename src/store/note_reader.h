@@ -64,11 +64,10 @@ public:
     };
 
     /// Names that begin with "." or are "_attachments" are passed over without a word; of files,
-    /// those that are notes by name are read. A link is read when it leads to a file inside the
-    /// data folder. What cannot be read, what is no regular file but named like a note, links to
-    /// folders, and names that are not UTF-8 are in the report. A kind whose folder is not there
-    /// has no notes. A calendar note in a sub-folder, or with a name that is no day, is delivered
-    /// all the same.
+    /// those that are notes by name are read. What cannot be read, what is no regular file but
+    /// named like a note (a link, too), links to folders, and names that are not UTF-8 are in the
+    /// report. A kind whose folder is not there has no notes. A calendar note in a sub-folder, or
+    /// with a name that is no day, is delivered all the same.
     ReadReport readAll(const Options& options, const Visit& visit);
 
 private:

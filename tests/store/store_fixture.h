@@ -2,9 +2,7 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "base/log.h"
 #include "platform/posix_file_system.h"
 #include "store/data_store.h"
 #include "support/temp_folder.h"
@@ -22,22 +20,6 @@ struct StoreFixture {
                             .dropboxAuthorised = {},
                             .cloudContainer = {},
                             .dataFolder = root}};
-};
-
-/// Gathers what is logged while it lives.
-class LogLines {
-public:
-    LogLines()
-        : _previous(base::setLogSink([this](std::string_view line) { lines.emplace_back(line); })) {
-    }
-    ~LogLines() { base::setLogSink(_previous); }
-    LogLines(const LogLines&) = delete;
-    LogLines& operator=(const LogLines&) = delete;
-
-    std::vector<std::string> lines;
-
-private:
-    base::LogSink _previous;
 };
 
 }  // namespace tessaly::tests

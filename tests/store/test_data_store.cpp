@@ -7,10 +7,11 @@
 
 #include "store/note_names.h"
 #include "store_fixture.h"
+#include "support/log_capture.h"
 
 using namespace tessaly;
 using base::NoteType;
-using tests::LogLines;
+using tests::LogCapture;
 using tests::StoreFixture;
 
 namespace {
@@ -83,13 +84,13 @@ TEST_CASE("a new name collides with none in the folder") {
 
 TEST_CASE("a folder that cannot be listed gives the name as it is") {
     StoreFixture fixture;
-    LogLines log;
+    LogCapture log;
     CHECK(fixture.store.uniqueFilename("Plans", "txt", fixture.root + "/Notes") == "Plans");
-    CHECK(log.lines.empty());
+    CHECK(log.lines().empty());
     const std::string file = fixture.folder.write("data/Notes", "a file");
     CHECK(fixture.store.uniqueFilename("Plans", "txt", file) == "Plans");
-    REQUIRE(log.lines.size() == 1);
-    CHECK(log.lines[0].starts_with("error in uniqueFilename(): "));
+    REQUIRE(log.lines().size() == 1);
+    CHECK(log.lines()[0].starts_with("error in uniqueFilename(): "));
 }
 
 TEST_CASE("a name from outside stays in the data folder or is refused") {
@@ -154,60 +155,60 @@ TEST_CASE("names are resolved also before there is a data folder and below a roo
 
 TEST_CASE("a new note is written whole, once, and its folder is made") {
     StoreFixture fixture;
-    LogLines log;
+    LogCapture log;
     CHECK(fixture.store.createNote(NoteType::note, "sub/First.txt", "Hello\n").ok());
     CHECK(fixture.folder.read("data/Notes/sub/First.txt") == "Hello\n");
-    CHECK(log.lines ==
+    CHECK(log.lines() ==
           std::vector<std::string>{"Created directories: " + fixture.root + "/Notes/sub"});
-    log.lines.clear();
+    log.clear();
 
     CHECK_FALSE(fixture.store.createNote(NoteType::note, "sub/First.txt", "Other").ok());
     CHECK(fixture.folder.read("data/Notes/sub/First.txt") == "Hello\n");
     CHECK_FALSE(fixture.store.createNote(NoteType::note, "../x.txt", "").ok());
     fixture.folder.write("data/Calendar", "a file in the way");
     CHECK_FALSE(fixture.store.createNote(NoteType::calendar, "20190305.txt", "").ok());
-    REQUIRE(log.lines.size() == 3);
-    for (const std::string& line : log.lines) {
+    REQUIRE(log.lines().size() == 3);
+    for (const std::string& line : log.lines()) {
         CHECK(line.starts_with("Could not make a filename or write a note "));
     }
-    log.lines.clear();
+    log.clear();
 
     const std::string nowhere = "/proc/none";
     store::DataStore unwritable(fixture.files, roots({}, {}, {}, nowhere));
     CHECK_FALSE(unwritable.createNote(NoteType::note, "First.txt", "").ok());
-    REQUIRE(log.lines.size() == 1);
+    REQUIRE(log.lines().size() == 1);
     CHECK(
-        log.lines[0].starts_with("could not create a local folder for saving the notes (very "
-                                 "first note?), error "));
+        log.lines()[0].starts_with("could not create a local folder for saving the notes (very "
+                                   "first note?), error "));
 }
 
 TEST_CASE("folders are made where nothing is") {
     StoreFixture fixture;
-    LogLines log;
+    LogCapture log;
     CHECK(fixture.store.createFolderIfNonExisting(fixture.root + "/a/b"));
     CHECK(fixture.folder.exists("data/a/b"));
     const std::string file = fixture.folder.write("data/file", "kept");
     CHECK(fixture.store.createFolderIfNonExisting(file));
     CHECK(fixture.folder.read("data/file") == "kept");
-    CHECK(log.lines.empty());
+    CHECK(log.lines().empty());
     CHECK_FALSE(fixture.store.createFolderIfNonExisting(file + "/below"));
-    REQUIRE(log.lines.size() == 1);
-    CHECK(log.lines[0].starts_with("Error createFolderIfNonExisting: "));
+    REQUIRE(log.lines().size() == 1);
+    CHECK(log.lines()[0].starts_with("Error createFolderIfNonExisting: "));
 }
 
 TEST_CASE("the local folder is looked for, and a failure is told") {
     tests::TempFolder folder;
     platform::PosixFileSystem files;
-    LogLines log;
+    LogCapture log;
     const auto exists = [&](const std::string& data) {
         return store::DataStore(files, roots(data, {}, {}, {})).localFolderExists();
     };
     CHECK_FALSE(exists(folder / "share"));
     folder.mkdir("share/org.example");
     CHECK(exists(folder / "share"));
-    CHECK(log.lines.empty());
+    CHECK(log.lines().empty());
     folder.link("loop", "loop");
     CHECK_FALSE(exists(folder / "loop"));
-    REQUIRE(log.lines.size() == 1);
-    CHECK(log.lines[0].starts_with("error in localFolderExists(): "));
+    REQUIRE(log.lines().size() == 1);
+    CHECK(log.lines()[0].starts_with("error in localFolderExists(): "));
 }

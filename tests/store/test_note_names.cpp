@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
+#include <random>
 #include <string>
+#include <vector>
 
 #include <doctest/doctest.h>
 
 #include "base/graphemes.h"
+#include "base/regex.h"
+#include "base/utf8.h"
+#include "grammar/patterns.h"
 #include "store/note_names.h"
 #include "support/temp_folder.h"
 
@@ -49,6 +54,8 @@ TEST_CASE("a title becomes a file name") {
     check(flag, "", "(none)");
     check(flag, "nul\0byte"s, "nulbyte");
     check(flag, "caf\xE9!", "caf\xEF\xBF\xBD!");
+    check(flag, "\xEF\xBB\xBF# Plans", "Plans");
+    check(flag, repeated("#", 5000) + " Plans", "Plans");
 }
 
 TEST_CASE("list markers and boxes are taken out wherever they stand") {
@@ -59,6 +66,25 @@ TEST_CASE("list markers and boxes are taken out wherever they stand") {
     check(flag, "> # quoted", "quoted");
     check(flag, "\n* Second", "(none)");
     check(flag, "* - >", "(none)");
+}
+
+TEST_CASE("markers and boxes are what their pattern finds") {
+    const base::Regex& pattern = grammar::patterns::compiled(grammar::patterns::markersAndBoxes);
+    const std::vector<std::string> pieces{"*", "-", ">",   "#",   "1", "23", ".", ")", "[",
+                                          "x", "]", "[x]", "[ ]", " ", "a",  "é", "\n"};
+    std::mt19937 random(5);
+    for (int i = 0; i < 3000; ++i) {
+        std::string title;
+        for (auto left = random() % 12; left > 0; --left) {
+            title += pieces[random() % pieces.size()];
+        }
+        const std::string kept = base::toUtf8(pattern.replaceAll(base::toUtf16(title), u""));
+        const std::string line = kept.substr(0, kept.find('\n'));
+        check(store::StripListMarkers::yes, title,
+              store::filenameFromTitle(line, store::StripListMarkers::no).value_or("(none)"));
+    }
+    check(store::StripListMarkers::yes, repeated("*", 5000) + " Plans", "Plans");
+    check(store::StripListMarkers::yes, repeated("7", 100'000) + ". Plans", "Plans");
 }
 
 TEST_CASE("a name holds 100 characters and fits the file system") {
