@@ -47,8 +47,7 @@ void examineRoot(Services& services, Findings& findings) {
     const std::string root = store.root();
     findings.add({Level::fine, "dataFolder", whyThisRoot(services.ports(), store), root});
     examineFolder(services.ports().files, root, findings);
-    const bool isCloudWanted = !services.globals().cloudDriveContainer().empty();
-    if (isCloudWanted && !services.ports().dataFolder && !store.cloudRoot()) {
+    if (services.isCloudDriveMissing()) {
         findings.add({Level::warning, "cloudDriveMissing",
                       base::tr("The cloud drive's folder cannot be used now"),
                       services.globals().cloudDriveContainer()});
@@ -81,11 +80,7 @@ void examineSettings(Services& services, Findings& findings) {
 
 void examineStartUp(Findings& findings) {
     for (const StepResult& step : stepsWithoutMeaning()) {
-        findings.add({Level::fine,
-                      "startUp",
-                      fmt::format(fmt::runtime(base::tr("Start-up leaves out “{0}”: {1}")),
-                                  step.name, step.note),
-                      {}});
+        findings.add({Level::fine, "startUp", base::tr(step.note.c_str()), {}});
     }
 }
 

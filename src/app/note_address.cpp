@@ -14,7 +14,6 @@
 #include "grammar/note_title.h"
 #include "store/note_document.h"
 #include "store/note_names.h"
-#include "store/note_reader.h"
 
 namespace tessaly::app {
 namespace {
@@ -103,16 +102,21 @@ struct TitledNote {
     std::string title;
 };
 
-std::vector<TitledNote> generalNotes(Services& services) {
+/// Nothing: the reading was cancelled.
+std::optional<std::vector<TitledNote>> generalNotes(Services& services,
+                                                    store::NoteReader::Options options) {
     store::NoteReader reader(services.dataStore(), services.ports().executor);
     std::vector<std::vector<TitledNote>> byWorker(reader.workers());
-    store::NoteReader::Options options;
     options.types = {base::NoteType::note};
-    reader.readAll(options, [&byWorker](std::size_t worker, const store::NoteFile& file) {
-        const auto text = store::decodedText(file.bytes).value_or("");
-        byWorker[worker].push_back(
-            {std::string{file.filename}, grammar::noteTitle(text, store::baseName(file.filename))});
-    });
+    const auto report =
+        reader.readAll(options, [&byWorker](std::size_t worker, const store::NoteFile& file) {
+            const auto text = store::decodedText(file.bytes).value_or("");
+            byWorker[worker].push_back({std::string{file.filename},
+                                        grammar::noteTitle(text, store::baseName(file.filename))});
+        });
+    if (report.cancelled) {
+        return std::nullopt;
+    }
     std::vector<TitledNote> notes;
     for (auto& some : byWorker) {
         std::move(some.begin(), some.end(), std::back_inserter(notes));
@@ -184,29 +188,31 @@ base::Failure noSuchNote(std::string_view text, const std::vector<TitledNote>& n
     for (const TitledNote& note : notes) {
         titles.push_back(note.title);
     }
-    std::string message =
-        fmt::format(fmt::runtime(base::tr("There is no note called “{}”.")), text);
     std::vector<std::string> near = nearTitles(text, titles, titlesSuggested);
     for (std::string& title : near) {
         title = fmt::format(fmt::runtime(base::tr("“{}”")), title);
     }
-    if (!near.empty()) {
-        message += ' ';
-        message += fmt::format(fmt::runtime(base::tr("Did you mean {}?")), fmt::join(near, ", "));
-    }
-    return {base::Failure::Kind::notFound, std::move(message)};
+    const std::string words = near.empty()
+                                  ? base::tr("there is no note called “{0}”")
+                                  : base::tr("there is no note called “{0}”; did you mean {1}?");
+    return {base::Failure::Kind::notFound,
+            fmt::format(fmt::runtime(words), text, fmt::join(near, ", "))};
 }
 
-base::Result<NoteAddress> addressOfTitle(Services& services, std::string_view text) {
-    const std::vector<TitledNote> notes = generalNotes(services);
-    std::vector<std::string> fits = bestFits(text, notes);
+base::Result<NoteAddress> addressOfTitle(Services& services, std::string_view text,
+                                         store::NoteReader::Options options) {
+    const auto notes = generalNotes(services, std::move(options));
+    if (!notes) {
+        return base::Failure{base::Failure::Kind::cancelled, {}};
+    }
+    std::vector<std::string> fits = bestFits(text, *notes);
     if (fits.empty()) {
-        return noSuchNote(text, notes);
+        return noSuchNote(text, *notes);
     }
     if (fits.size() > 1) {
         return base::Failure{
             base::Failure::Kind::malformed,
-            fmt::format(fmt::runtime(base::tr("Several notes are called “{0}”: {1}")), text,
+            fmt::format(fmt::runtime(base::tr("several notes are called “{0}”: {1}")), text,
                         fmt::join(fits, ", "))};
     }
     return NoteAddress{base::NoteType::note, std::move(fits.front()), std::nullopt};
@@ -214,7 +220,8 @@ base::Result<NoteAddress> addressOfTitle(Services& services, std::string_view te
 
 }  // namespace
 
-base::Result<NoteAddress> findNote(Services& services, std::string_view text) {
+base::Result<NoteAddress> findNote(Services& services, std::string_view text,
+                                   store::NoteReader::Options options) {
     const std::string_view wanted = base::trimmed(text);
     if (const auto day = parseDay(wanted, services.today(), services.dateStrings().formats())) {
         return calendarAddress(*day);
@@ -222,7 +229,7 @@ base::Result<NoteAddress> findNote(Services& services, std::string_view text) {
     if (auto file = addressOfFile(services.dataStore(), wanted)) {
         return *std::move(file);
     }
-    return addressOfTitle(services, wanted);
+    return addressOfTitle(services, wanted, std::move(options));
 }
 
 }  // namespace tessaly::app

@@ -10,6 +10,7 @@
 #include "base/day.h"
 #include "base/failure.h"
 #include "base/note_type.h"
+#include "store/note_reader.h"
 
 namespace tessaly::app {
 
@@ -28,8 +29,11 @@ struct NoteAddress {
 
 /// The note called `text`: a day, else a file name relative to its folder ("Work/Plans.txt", also
 /// "Notes/Work/Plans.txt" or without the extension), else a title, compared exactly after
-/// composition, then ignoring case. Failure: `notFound` with the nearest titles named, or
-/// `malformed` when several notes have the title, with their file names.
-base::Result<NoteAddress> findNote(Services& services, std::string_view text);
+/// composition, then ignoring case. A title is looked for by a reading of all
+/// general notes with `options`, whose types are ignored. Failure, in words for the user:
+/// `notFound` with the nearest titles named; `malformed` when several notes have the title, with
+/// their file names; `cancelled`, without words.
+base::Result<NoteAddress> findNote(Services& services, std::string_view text,
+                                   store::NoteReader::Options options = {});
 
 }  // namespace tessaly::app

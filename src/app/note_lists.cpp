@@ -95,18 +95,11 @@ void sortRows(std::vector<SortedRow>& rows, base::SortType order) {
     std::stable_sort(rows.begin(), rows.end(), before);
 }
 
-// The day that the line's first schedule tag of a real day names, else its note's.
+// The day that the line's first schedule tag names, else its note's.
 std::optional<base::Day> plannedDay(const grammar::ScannedLine& line,
                                     std::optional<base::Day> noteDay) {
-    for (const grammar::Mark& mark : line.marks) {
-        if (mark.kind == grammar::MarkKind::scheduleTag) {
-            const auto tag = line.text.substr(mark.start, mark.end - mark.start);
-            if (const auto day = grammar::DateTags::dayOf(tag)) {
-                return day;
-            }
-        }
-    }
-    return noteDay;
+    const auto day = grammar::TodoHelper::firstDay(line, grammar::MarkKind::scheduleTag);
+    return day ? day : noteDay;
 }
 
 bool isWanted(grammar::TodoType type, const std::vector<grammar::TodoType>& types) {

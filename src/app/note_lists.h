@@ -43,7 +43,7 @@ struct TaskRows {
     store::ReadReport report;
 };
 
-/// Every task of the notes in `scope` whose type is one of `types` (all five task kinds when
+/// Every task of the notes in `scope` whose type is one of `types` (all four task kinds when
 /// empty).
 TaskRows listTasks(Services& services, NoteScope scope, const std::vector<grammar::TodoType>& types,
                    store::NoteReader::Options options = {});

@@ -80,8 +80,9 @@ std::optional<base::Day> nextWeekday(const std::string& word, base::Day today,
     return std::nullopt;
 }
 
+/// Whether the day and the week around it have names as files.
 bool hasFileName(base::Day day) {
-    return day.year() >= std::chrono::year{0} && day.year() <= std::chrono::year{9999};
+    return day.year() > std::chrono::year{0} && day.year() < std::chrono::year{9999};
 }
 
 }  // namespace

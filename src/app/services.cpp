@@ -36,6 +36,11 @@ const grammar::DateStringHelper& Services::dateStrings() {
     return *_dateStrings;
 }
 
+bool Services::isCloudDriveMissing() {
+    return !_ports.dataFolder && !globals().cloudDriveContainer().empty() &&
+           !dataStore().cloudRoot();
+}
+
 grammar::MarkerSettings Services::markerSettings() {
     settings::Globals& settings = globals();
     return {settings.isAsteriskTodo(), settings.isDashTodo(), settings.isNumbersTodo()};

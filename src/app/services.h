@@ -48,6 +48,10 @@ public:
     store::DataStore& dataStore();
     const grammar::DateStringHelper& dateStrings();
 
+    /// Whether the settings name a cloud drive that cannot be used now, so that the notes shown are
+    /// not those that the user expects.
+    bool isCloudDriveMissing();
+
     /// What reading a note depends on, from the settings as they are now.
     grammar::MarkerSettings markerSettings();
     store::CountSettings countSettings();

@@ -4,10 +4,13 @@
 #include <fmt/format.h>
 
 #include "base/failure.h"
+#include "base/localisation.h"
 #include "settings/setting_rows.h"
 
 namespace tessaly::app {
 namespace {
+
+using base::N_;
 
 using Run = std::string (*)(Services&, const UsageLog&);
 
@@ -15,7 +18,7 @@ struct StepRow {
     StartUpStep step;
     std::string_view name;
     Run run;               ///< null for a step without meaning here
-    std::string_view why;  ///< then: why it has none
+    std::string_view why;  ///< then: why it has none, a sentence for `tr`
 };
 
 // Nothing is stored to know this by, so that a program that only reads leaves no trace.
@@ -46,18 +49,18 @@ std::string showWhatIsNew(Services& services, const UsageLog& usage) {
 
 constexpr StepRow steps[] = {
     {StartUpStep::moveToApplicationsFolder, "move to the applications folder", nullptr,
-     "the package decides where programs lie"},
+     N_("The program stays where its package put it")},
     {StartUpStep::setUpDropbox, "set up Dropbox", nullptr,
-     "this version does not mirror to Dropbox"},
+     N_("This version does not mirror to Dropbox")},
     {StartUpStep::recordLaunch, "record the launch", recordLaunch, {}},
     {StartUpStep::checkForUpdates, "check for updates", nullptr,
-     "updates come with the system's packages"},
+     N_("Updates come with the system's packages")},
     {StartUpStep::registerDefaults, "register the defaults", registerDefaults, {}},
     {StartUpStep::startReporting, "start crash reports and usage analytics", nullptr,
-     "nothing is reported to anyone"},
+     N_("Nothing is reported to anyone: no crash reports, no usage analytics")},
     {StartUpStep::showWhatIsNew, "show what is new", showWhatIsNew, {}},
     {StartUpStep::registerUrlHandler, "register the URL handler", nullptr,
-     "this version answers no URLs"},
+     N_("This version answers no URLs")},
 };
 
 StepResult withoutMeaning(const StepRow& row) {

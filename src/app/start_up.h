@@ -27,7 +27,7 @@ struct StepResult {
     StartUpStep step;
     enum class Outcome { done, notNeeded } outcome;
     std::string_view name;  ///< the step's name, English, fixed
-    std::string note;       ///< why it was not needed, or what was done; English, for diagnostics
+    std::string note;       ///< what was done, English; or why it was not needed, a text for `tr`
 };
 
 /// Runs every step and tells what became of each. Makes no network call, reads no note and writes

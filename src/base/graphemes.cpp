@@ -83,8 +83,21 @@ bool isWide(char32_t c) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
 }
 
+bool hasSkinTone(std::string_view cluster) {
+    std::size_t at = codePointAt(cluster, 0).size;
+    while (at < cluster.size()) {
+        const CodePoint c = codePointAt(cluster, at);
+        if (u_hasBinaryProperty(static_cast<UChar32>(c.value), UCHAR_EMOJI_MODIFIER)) {
+            return true;
+        }
+        at += c.size;
+    }
+    return false;
+}
+
 /// The columns of one user-perceived character. An emoji takes two, however many code points make
-/// it; U+FE0F makes one of the character before it.
+/// it; U+FE0F makes one of the character before it. Most terminals draw a skin tone beside it:
+/// where one does not, a gap is better than a line that breaks.
 std::size_t columns(std::string_view cluster) {
     constexpr char32_t emojiStyle = 0xFE0F;
     std::size_t sum = 0;
@@ -94,7 +107,7 @@ std::size_t columns(std::string_view cluster) {
         const auto value = static_cast<UChar32>(c.value);
         if (u_hasBinaryProperty(value, UCHAR_EMOJI_PRESENTATION) ||
             (c.value == emojiStyle && couldBeEmoji)) {
-            return 2;
+            return hasSkinTone(cluster) ? 4 : 2;
         }
         couldBeEmoji = u_hasBinaryProperty(value, UCHAR_EMOJI);
         sum += isInvisible(c.value) ? 0 : isWide(c.value) ? 2 : 1;

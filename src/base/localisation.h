@@ -18,6 +18,12 @@ std::string tr(const char* context, const char* english);
 /// The form for `count` of a text that has a singular and a plural.
 std::string trPlural(const char* singular, const char* plural, unsigned long count);
 
+/// Marks a literal for xgettext where no call can stand, in a constant table; `tr` translates it
+/// where it is shown.
+constexpr const char* N_(const char* english) {
+    return english;
+}
+
 /// Makes `tr` speak the languages of `languages` ("de_DE:de", most wanted first), from the
 /// catalogues below `folder` (FOLDER/de/LC_MESSAGES/tessaly.mo). It needs no locale to be
 /// installed on the machine. Call it once, at start, before there is a second thread. Only

@@ -163,6 +163,17 @@ std::u16string toUtf16(std::string_view text) {
     return result;
 }
 
+std::u32string toUtf32(std::string_view text) {
+    std::u32string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const CodePoint c = codePointAt(text, at);
+        result.push_back(c.value);
+        at += c.size;
+    }
+    return result;
+}
+
 std::string toUtf8(std::u16string_view text) {
     std::string result;
     result.reserve(text.size());

@@ -40,6 +40,7 @@ std::size_t utf16Length(std::string_view text);
 std::size_t byteOffset(std::string_view text, std::size_t units);
 
 std::u16string toUtf16(std::string_view text);
+std::u32string toUtf32(std::string_view text);
 /// Unpaired surrogates become U+FFFD.
 std::string toUtf8(std::u16string_view text);
 

@@ -7,7 +7,7 @@
 namespace tessaly::settings {
 
 /// The name that was probably meant by `typed`: the one with the fewest letters changed, added or
-/// left out, ASCII case apart. Empty: none is near.
+/// left out, case apart. Empty: none is near.
 std::string_view nearestName(std::string_view typed, std::span<const std::string_view> names);
 
 }  // namespace tessaly::settings

@@ -4,13 +4,13 @@
 #include <array>
 #include <cstddef>
 
+#include "base/localisation.h"
+
 namespace tessaly::settings {
 
 namespace {
 
-/// Marks a text for xgettext; it is translated where it is shown.
-#define N_(english) english
-
+using base::N_;
 using enum SettingType;
 
 constexpr std::array rows{

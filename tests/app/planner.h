@@ -7,11 +7,11 @@
 #include <string_view>
 
 #include "app/services.h"
-#include "base/log.h"
 #include "base/thread_pool.h"
 #include "platform/fixed_clock.h"
 #include "platform/json_user_defaults.h"
 #include "platform/posix_file_system.h"
+#include "support/log_capture.h"
 #include "support/temp_folder.h"
 
 namespace tessaly::tests {
@@ -48,16 +48,7 @@ public:
     std::map<std::string, std::string> everything() const;
 
 private:
-    /// Keeps diagnostics out of the tests' output.
-    struct QuietLog {
-        QuietLog() : before(base::setLogSink([](std::string_view) {})) {}
-        ~QuietLog() { base::setLogSink(before); }
-        QuietLog(const QuietLog&) = delete;
-        QuietLog& operator=(const QuietLog&) = delete;
-        base::LogSink before;
-    };
-
-    QuietLog _quietLog;
+    LogCapture _log;  // keeps diagnostics out of the tests' output
     TempFolder _folder;
     platform::PosixFileSystem _files;
     platform::JsonUserDefaults _defaults;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <atomic>
+
 #include <doctest/doctest.h>
 
 #include "app/note_address.h"
@@ -117,16 +119,16 @@ const AddressRow addressRows[] = {
     {"reading LIST", "Notes/Second.txt"},
     {"Meetings", "Notes/Calendar/Meetings.txt"},
     // Failures.
-    {"Groceries", "malformed: Several notes are called “Groceries”: Fourth.txt, Third.txt"},
-    {"READING list", "malformed: Several notes are called “READING list”: First.txt, Second.txt"},
-    {"Grocerys", "notFound: There is no note called “Grocerys”. Did you mean “Groceries”?"},
-    {"budget", "notFound: There is no note called “budget”. Did you mean “Budget 2019”?"},
-    {"Elephants", "notFound: There is no note called “Elephants”."},
-    {"", "notFound: There is no note called “”."},
-    {"../../etc/passwd", "notFound: There is no note called “../../etc/passwd”."},
-    {"photo.png", "notFound: There is no note called “photo.png”."},
-    {"Work", "notFound: There is no note called “Work”."},
-    {".hidden.txt", "notFound: There is no note called “.hidden.txt”."},
+    {"Groceries", "malformed: several notes are called “Groceries”: Fourth.txt, Third.txt"},
+    {"READING list", "malformed: several notes are called “READING list”: First.txt, Second.txt"},
+    {"Grocerys", "notFound: there is no note called “Grocerys”; did you mean “Groceries”?"},
+    {"budget", "notFound: there is no note called “budget”; did you mean “Budget 2019”?"},
+    {"Elephants", "notFound: there is no note called “Elephants”"},
+    {"", "notFound: there is no note called “”"},
+    {"../../etc/passwd", "notFound: there is no note called “../../etc/passwd”"},
+    {"photo.png", "notFound: there is no note called “photo.png”"},
+    {"Work", "notFound: there is no note called “Work”"},
+    {".hidden.txt", "notFound: there is no note called “.hidden.txt”"},
 };
 
 std::string addressText(const base::Result<app::NoteAddress>& address) {
@@ -160,6 +162,17 @@ TEST_CASE("a note is found by day, file name or title") {
         CAPTURE(row.text);
         CHECK(addressText(app::findNote(planner.services(), row.text)) == row.expected);
     }
+}
+
+TEST_CASE("a search for a title can be cancelled") {
+    Planner planner;
+    planner.write("-- Notes/First.txt\n# Groceries\n");
+    const std::atomic<bool> cancelled = true;
+    store::NoteReader::Options options;
+    options.cancelled = &cancelled;
+    const auto note = app::findNote(planner.services(), "Groceries", options);
+    REQUIRE_FALSE(note.ok());
+    CHECK(note.failure().kind == base::Failure::Kind::cancelled);
 }
 
 TEST_CASE("a link that leaves the data folder is no note") {

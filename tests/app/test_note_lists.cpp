@@ -110,7 +110,7 @@ TEST_CASE("tasks are listed by place, with the day they are planned for") {
          {},
          "Calendar/20190305.txt:1 done 2019-03-05\n"
          "Calendar/ideas.txt:1 open -\n"
-         "Notes/Work/Deep/e.txt:2 scheduled 2019-03-07\n"
+         "Notes/Work/Deep/e.txt:2 scheduled -\n"
          "Notes/z.txt:2 open 2019-03-09\n"
          "Notes/z.txt:3 cancelled -\n"},
         {NoteScope::general, {TodoType::open}, "Notes/z.txt:2 open 2019-03-09\n"},

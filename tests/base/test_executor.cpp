@@ -16,7 +16,7 @@
 #include "base/manual_executor.h"
 #include "base/published.h"
 #include "base/thread_pool.h"
-#include "log_capture.h"
+#include "support/log_capture.h"
 
 using namespace tessaly;
 

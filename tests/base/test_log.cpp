@@ -7,7 +7,7 @@
 #include <doctest/doctest.h>
 
 #include "base/log.h"
-#include "log_capture.h"
+#include "support/log_capture.h"
 
 using namespace tessaly;
 

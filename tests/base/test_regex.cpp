@@ -8,7 +8,7 @@
 
 #include "base/regex.h"
 #include "base/utf8.h"
-#include "log_capture.h"
+#include "support/log_capture.h"
 
 using namespace tessaly;
 

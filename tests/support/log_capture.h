@@ -21,6 +21,7 @@ public:
 
     /// To be read when no thread logs any more.
     const std::vector<std::string>& lines() const { return _lines; }
+    void clear() { _lines.clear(); }
 
 private:
     std::vector<std::string> _lines;
