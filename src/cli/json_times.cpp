@@ -21,6 +21,13 @@ std::chrono::seconds offsetAt(sys_seconds instant, ports::Clock& clock) {
     return asIfInUtc(clock.local(instant)) - instant;
 }
 
+/// Whether a clock can be asked: instants are nanoseconds in 64 bits, 1678 to 2261.
+bool isInstant(sys_seconds wall) {
+    constexpr auto margin = std::chrono::days{2};
+    return wall > std::chrono::floor<std::chrono::seconds>(base::Instant::min()) + margin &&
+           wall < std::chrono::floor<std::chrono::seconds>(base::Instant::max()) - margin;
+}
+
 std::string digits(const base::LocalTime& time) {
     return fmt::format("{}T{:02}:{:02}:{:02}", base::tagText(time.day), time.hour, time.minute,
                        time.second);
@@ -40,6 +47,9 @@ std::string rfc3339(base::Instant instant) {
 
 std::string rfc3339(const base::LocalTime& time, ports::Clock& clock) {
     const sys_seconds wall = asIfInUtc(time);
+    if (!isInstant(wall)) {
+        return digits(time) + "Z";
+    }
     // The offset is asked for near the time first, then at the time that this offset gives.
     const auto near = offsetAt(wall, clock);
     const auto offset = offsetAt(wall - near, clock);

@@ -109,6 +109,7 @@ cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& lo
                             }),
                             dataFolder(invocation)}};
     shared = &services;
+    services.globals();  // made here, since any thread may ask for the cloud drive's folder
     return cli::run(services, invocation, out, interrupted);
 }
 

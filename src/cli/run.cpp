@@ -7,6 +7,7 @@
 
 #include "app/sample_folder.h"
 #include "app/start_up.h"
+#include "app/usage_log.h"
 #include "base/localisation.h"
 #include "cli/context.h"
 #include "cli/documents.h"
@@ -38,9 +39,10 @@ bool isNamedRootThere(app::Services& services) {
     return true;
 }
 
-/// Gives a new user notes to begin with, in the default data folder only.
+/// Gives a new user notes to begin with, in the default data folder only. A user whose cloud drive
+/// is missing is not new.
 void welcome(app::Services& services) {
-    if (services.ports().dataFolder) {
+    if (services.ports().dataFolder || services.isCloudDriveMissing()) {
         return;
     }
     const auto made = app::makeSampleNotes(services);
@@ -60,6 +62,15 @@ void tellOfDamagedSettings(const Context& context) {
     if (!isReported && context.services.ports().standardDefaults.problem()) {
         complain(
             tr("the settings cannot be read, so all have their defaults; see: tessaly doctor"));
+    }
+}
+
+void tellOfMissingCloudDrive(const Context& context) {
+    if (context.invocation.verb != findVerb("doctor") && context.services.isCloudDriveMissing()) {
+        complain(fmt::format(
+            fmt::runtime(tr("the cloud drive's folder cannot be used now, so these are the local "
+                            "notes: {}")),
+            safeText(context.services.globals().cloudDriveContainer())));
     }
 }
 
@@ -105,7 +116,8 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     if (!isNamedRootThere(services)) {
         return Exit::couldNot;
     }
-    app::startUp(services);
+    const app::UsageLog usage;  // off: a sink is for those who want to know
+    app::startUp(services, usage);
     const Terminal terminal = describeStandardOutput(invocation.color);
     Progress progress{base::LocaleFormats{services.ports().locale.formats}};
     Context context{services, invocation, out, terminal, progress, cancelled};
@@ -114,7 +126,9 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     if (out.flush()) {
         tellOfSkipped(context);
         tellOfDamagedSettings(context);
+        tellOfMissingCloudDrive(context);
     }
+    usage.record(app::UsageEvent::exit);
     return exit;
 }
 

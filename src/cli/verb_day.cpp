@@ -25,15 +25,17 @@ void printStyled(Context& context, const Spans& spans) {
     context.out.line(drawn(spans, context.terminal));
 }
 
+std::string countText(const Context& context, std::size_t count) {
+    return context.services.dateStrings().formats().number(static_cast<long long>(count));
+}
+
 void printSection(Context& context, const std::string& name, Style style, const Tasks& tasks,
                   std::size_t total) {
     if (total == 0) {
         return;
     }
     context.out.line("");
-    const std::string count =
-        context.services.dateStrings().formats().number(static_cast<long long>(total));
-    printStyled(context, {{style, name}, {Style::dim, fmt::format("  {}", count)}});
+    printStyled(context, {{style, name}, {Style::dim, "  " + countText(context, total)}});
     printTasks(context, tasks);
 }
 
@@ -43,7 +45,8 @@ void printOverdue(Context& context, const store::OverdueTasks& overdue) {
     if (left > 0) {
         const std::string text = base::trPlural("… and {} more (tessaly overdue)",
                                                 "… and {} more (tessaly overdue)", left);
-        printStyled(context, {{Style::dim, "  " + fmt::format(fmt::runtime(text), left)}});
+        printStyled(context, {{Style::dim,
+                               "  " + fmt::format(fmt::runtime(text), countText(context, left))}});
     }
 }
 

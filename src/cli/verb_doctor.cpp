@@ -28,26 +28,35 @@ constexpr std::array signs{
     LevelSign{Style::warning, "!", "!"},
 };
 
-/// The text is broken into lines behind the sign; the path, which must stay whole, has its own.
-void printInTerminal(Context& context, const LevelSign& row, const app::Finding& finding) {
-    constexpr std::size_t indent = 2;
+const LevelSign& signOf(const app::Finding& finding) {
+    return signs[static_cast<std::size_t>(finding.level)];
+}
+
+constexpr std::size_t indent = 2;
+
+/// The text is broken into lines behind the sign.
+void printText(Context& context, const app::Finding& finding) {
+    const LevelSign& row = signOf(finding);
     const Span sign{row.style, context.terminal.isUtf8 ? row.sign : row.asciiSign};
     const std::string lines = wrapped(safeText(finding.text), indent, context.terminal.columns);
     context.out.write(drawn({sign, {Style::plain, " "}}, context.terminal));
     context.out.write(lines.substr(std::min(indent, lines.size())));
+}
+
+/// The path, which must stay whole, has a line of its own. A text that many findings share stands
+/// once above their paths; `before` is the finding above, null for the first.
+void printInTerminal(Context& context, const app::Finding& finding, const app::Finding* before) {
+    if (before == nullptr || before->text != finding.text || finding.path.empty()) {
+        printText(context, finding);
+    }
     if (!finding.path.empty()) {
         const std::string path = std::string(indent, ' ') + safeText(finding.path);
         context.out.line(drawn({{Style::dim, path}}, context.terminal));
     }
 }
 
-void printFinding(Context& context, const app::Finding& finding) {
-    const LevelSign& row = signs[static_cast<std::size_t>(finding.level)];
-    if (context.terminal.isTerminal) {
-        printInTerminal(context, row, finding);
-        return;
-    }
-    Spans line{{row.style, fmt::format("{:<7}", levelName(finding.level))},
+void printLine(Context& context, const app::Finding& finding) {
+    Spans line{{signOf(finding).style, fmt::format("{:<7}", levelName(finding.level))},
                {Style::plain, "  " + safeText(finding.text)}};
     if (!finding.path.empty()) {
         line.push_back({Style::dim, "  " + safeText(finding.path)});
@@ -63,12 +72,16 @@ Exit runDoctor(Context& context) {
     if (context.cancelled) {
         return Exit::couldNot;
     }
+    const app::Finding* before = nullptr;
     for (const app::Finding& finding : findings) {
         if (context.invocation.json) {
             context.out.line(recordOf(finding).text());
+        } else if (context.terminal.isTerminal) {
+            printInTerminal(context, finding, before);
         } else {
-            printFinding(context, finding);
+            printLine(context, finding);
         }
+        before = &finding;
     }
     return Exit::done;
 }

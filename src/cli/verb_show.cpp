@@ -67,9 +67,13 @@ void printText(Context& context, const ports::FileContents& contents) {
 
 Exit runShow(Context& context) {
     app::Services& services = context.services;
-    const auto note = app::findNote(services, context.invocation.arguments.front());
+    const auto note =
+        app::findNote(services, context.invocation.arguments.front(), context.readOptions());
+    context.progress.erase();
     if (!note) {
-        complain(safeText(note.failure().description));
+        if (note.failure().kind != base::Failure::Kind::cancelled) {
+            complain(safeText(note.failure().description));
+        }
         return Exit::couldNot;
     }
     const auto path = services.dataStore().pathOf(note->type, note->filename);

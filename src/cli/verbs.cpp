@@ -3,14 +3,14 @@
 
 #include <array>
 
+#include "base/localisation.h"
 #include "cli/verb_functions.h"
-
-// Marks a text for the translators where no call can stand.
-#define N_(text) text
 
 namespace tessaly::cli {
 
 namespace {
+
+using base::N_;
 
 constexpr std::string_view dayWords = "today tomorrow yesterday";
 constexpr std::string_view taskStates = "open done cancelled scheduled";
@@ -151,7 +151,7 @@ constexpr std::array rows{
             0,
             0,
             {},
-            N_("Notes"),
+            N_("Notes by title or by date"),
             N_("Prints the general notes, in the order of the setting sortBy."),
             listOptions,
             listExamples,
@@ -217,7 +217,7 @@ constexpr std::array rows{
             1,
             3,
             {Completion::settingKey, "list get set reset"},
-            N_("Settings"),
+            N_("Settings: list, read and change them"),
             N_("Lists the settings with their values, prints one, changes one, or gives one its "
                "default back."),
             {},

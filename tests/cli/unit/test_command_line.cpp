@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "cli/command_line.h"
-
 #include <doctest/doctest.h>
+
+#include "cli/command_line.h"
 
 using namespace tessaly::cli;
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "cli/spans.h"
-
 #include <doctest/doctest.h>
 
 #include "cli/help.h"
+#include "cli/spans.h"
 
 using namespace tessaly::cli;
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "cli/safe_text.h"
-
 #include <string>
 
 #include <doctest/doctest.h>
 
 #include "base/utf8.h"
 #include "cli/json_line.h"
+#include "cli/safe_text.h"
 
 using namespace tessaly::cli;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "cli/json_times.h"
-
 #include <doctest/doctest.h>
+
+#include "cli/json_times.h"
 
 using namespace tessaly;
 using namespace std::chrono_literals;
@@ -42,6 +42,14 @@ TEST_CASE("a time on the wall has the offset of its moment") {
     check(3, 31, 3, "2019-03-31T03:30:05+02:00");   // the first behind it
     check(10, 27, 1, "2019-10-27T01:30:05+02:00");  // still summer
     check(10, 27, 3, "2019-10-27T03:30:05+01:00");
+}
+
+TEST_CASE("a time that no clock knows is written without asking one") {
+    SummerClock clock;
+    const base::Day last{std::chrono::year{9999} / 1 / 1};
+    CHECK(cli::rfc3339({last, 10, 0, 0}, clock) == "9999-01-01T10:00:00Z");
+    CHECK(cli::rfc3339({base::Day{std::chrono::year{0} / 1 / 1}, 10, 0, 0}, clock) ==
+          "0000-01-01T10:00:00Z");
 }
 
 TEST_CASE("an instant is written in UTC, before 1970 too") {
