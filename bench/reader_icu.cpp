@@ -3,19 +3,17 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <unicode/uregex.h>
 
 #include "base/utf8.h"
-#include "grammar/patterns.h"
-#include "readers.h"
+#include "pattern_reader.h"
 
 namespace tessaly::bench {
 
 namespace {
-
-namespace patterns = grammar::patterns;
 
 void insist(UErrorCode status, const char* what) {
     if (U_FAILURE(status)) {
@@ -65,44 +63,14 @@ private:
     URegularExpression* _regex = nullptr;
 };
 
-class IcuReader : public Reader {
-public:
-    explicit IcuReader(const Corpus& corpus) {
-        for (const std::string_view line : linesOf(corpus.text)) {
-            _lines.push_back(base::toUtf16(line));
-        }
-    }
-
-    Counts read() override {
-        Counts counts;
-        for (const std::u16string& line : _lines) {
-            if (_taskOrList.opens(line)) {
-                ++counts.tasksAndLists;
-            } else {
-                counts.headingsAndQuotes += _headingOrQuote.opens(line);
-            }
-            counts.hashtags += _hashtag.count(line);
-            counts.mentions += _mention.count(line);
-            counts.dates += _dateTag.count(line);
-            counts.doneTags += _doneTag.count(line);
-        }
-        return counts;
-    }
-
-private:
-    std::vector<std::u16string> _lines;
-    IcuPattern _taskOrList{patterns::taskOrList};
-    IcuPattern _headingOrQuote{patterns::headingOrQuote};
-    IcuPattern _hashtag{patterns::hashtag};
-    IcuPattern _mention{patterns::mention};
-    IcuPattern _dateTag{patterns::dateTag};
-    IcuPattern _doneTag{patterns::doneTag};
-};
-
 }  // namespace
 
 std::unique_ptr<Reader> makeIcuReader(const Corpus& corpus) {
-    return std::make_unique<IcuReader>(corpus);
+    std::vector<std::u16string> lines;
+    for (const std::string_view line : linesOf(corpus.text)) {
+        lines.push_back(base::toUtf16(line));
+    }
+    return std::make_unique<PatternReader<IcuPattern, std::u16string>>(std::move(lines));
 }
 
 }  // namespace tessaly::bench

@@ -8,14 +8,11 @@
 #include <vector>
 
 #include "base/utf8.h"
-#include "grammar/patterns.h"
-#include "readers.h"
+#include "pattern_reader.h"
 
 namespace tessaly::bench {
 
 namespace {
-
-namespace patterns = grammar::patterns;
 
 constexpr std::size_t jitStackStart = 64 << 10;
 constexpr std::size_t jitStackMost = 256 << 20;  // a pattern's groups take stack by line length
@@ -95,40 +92,10 @@ private:
     pcre2_jit_stack* _stack = nullptr;
 };
 
-class Pcre2Reader : public Reader {
-public:
-    explicit Pcre2Reader(const Corpus& corpus) : _lines(linesOf(corpus.text)) {}
-
-    Counts read() override {
-        Counts counts;
-        for (const std::string_view line : _lines) {
-            if (_taskOrList.opens(line)) {
-                ++counts.tasksAndLists;
-            } else {
-                counts.headingsAndQuotes += _headingOrQuote.opens(line);
-            }
-            counts.hashtags += _hashtag.count(line);
-            counts.mentions += _mention.count(line);
-            counts.dates += _dateTag.count(line);
-            counts.doneTags += _doneTag.count(line);
-        }
-        return counts;
-    }
-
-private:
-    std::vector<std::string_view> _lines;
-    Pcre2Pattern _taskOrList{patterns::taskOrList};
-    Pcre2Pattern _headingOrQuote{patterns::headingOrQuote};
-    Pcre2Pattern _hashtag{patterns::hashtag};
-    Pcre2Pattern _mention{patterns::mention};
-    Pcre2Pattern _dateTag{patterns::dateTag};
-    Pcre2Pattern _doneTag{patterns::doneTag};
-};
-
 }  // namespace
 
 std::unique_ptr<Reader> makePcre2Reader(const Corpus& corpus) {
-    return std::make_unique<Pcre2Reader>(corpus);
+    return std::make_unique<PatternReader<Pcre2Pattern, std::string_view>>(linesOf(corpus.text));
 }
 
 }  // namespace tessaly::bench

@@ -8,7 +8,7 @@ function(tessaly_catalogues)
         add_custom_command(
             OUTPUT ${folder}/tessaly.mo
             COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-            COMMAND ${GETTEXT_MSGFMT_EXECUTABLE} --check -o ${folder}/tessaly.mo
+            COMMAND ${GETTEXT_MSGFMT_EXECUTABLE} --check-format --check-domain -o ${folder}/tessaly.mo
                     ${CMAKE_CURRENT_SOURCE_DIR}/${language}.po
             DEPENDS ${language}.po)
         list(APPEND outputs ${folder}/tessaly.mo)

@@ -126,7 +126,7 @@ def check(root):
     if not kept.exists() or kept.read_text(encoding="utf-8") != template:
         found.append("po/tessaly.pot: not up to date; run tools/update_catalogue")
     for catalogue in catalogues:
-        run(["msgfmt", "--check", "--output-file", os.devnull, str(catalogue)])
+        run(["msgfmt", "--check-format", "--check-domain", "--output-file", os.devnull, str(catalogue)])
         present = parse(catalogue.read_text(encoding="utf-8"))
         found += [f"po/{catalogue.name}: {what}" for what in complaints(wanted, present)]
     return found
