@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <string>
 
@@ -23,9 +22,6 @@ namespace {
 using base::tr;
 using settings::SettingRow;
 using settings::SettingType;
-
-constexpr std::array<std::string_view, 8> typeNames{
-    "boolean", "integer", "number", "text", "textList", "dayOfWeek", "todoCharacter", "sortType"};
 
 double numberOf(const std::string& text) {
     double number = 0;
@@ -54,7 +50,7 @@ std::string valueOf(Context& context, std::string_view key) {
 
 void printRecord(Context& context, const SettingRow& row) {
     JsonObject object;
-    object.add("key", row.key).add("type", typeNames[static_cast<std::size_t>(row.type)]);
+    object.add("key", row.key).add("type", base::rawValue(row.type));
     addValue(object, row, valueOf(context, row.key));
     object.add("isDefault", context.services.globals().isDefault(row.key)).add("help", row.help);
     context.out.line(object.text());

@@ -51,7 +51,7 @@ constexpr std::array rows{
                N_("Access to the system's calendars was put off until later")},
     SettingRow{"isFirstTimeUndoScheduling", boolean, "on",
                N_("Explain the undoing of a scheduling when it is first used")},
-    SettingRow{"cloudDriveContainer", text, "",
+    SettingRow{"cloudDriveContainer", folder, "",
                N_("Folder that a sync client keeps in step with other devices; empty for none"), 0,
                4095},
 };

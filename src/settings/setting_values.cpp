@@ -98,6 +98,16 @@ MaybeValue acceptedText(const SettingRow& row, const SettingValue& stored) {
     return fits ? MaybeValue(*text) : std::nullopt;
 }
 
+MaybeValue acceptedFolder(const SettingRow& row, const SettingValue& stored) {
+    const auto path = acceptedText(row, stored);
+    if (!path) {
+        return std::nullopt;
+    }
+    const auto& text = std::get<std::string>(*path);
+    const bool isPath = text.empty() || text == "~" || text.starts_with("~/") || text[0] == '/';
+    return isPath ? path : std::nullopt;
+}
+
 template <class Enum>
 MaybeValue acceptedName(const SettingRow&, const SettingValue& stored) {
     const auto* name = std::get_if<std::string>(&stored);
@@ -115,6 +125,10 @@ std::string rangeWords(const SettingRow& row) {
 std::string textWords(const SettingRow& row) {
     return row.lowest > 0 ? base::tr("a text of one line, not empty")
                           : base::tr("a text of one line");
+}
+
+std::string folderWords(const SettingRow&) {
+    return base::tr("a folder, from / or ~/ on; empty for none");
 }
 
 std::string listWords(const SettingRow&) {
@@ -138,11 +152,12 @@ struct TypeRow {
     std::string (*allowed)(const SettingRow& row);
 };
 
-constexpr std::array<TypeRow, 8> types{{
+constexpr std::array<TypeRow, 9> types{{
     {SettingType::boolean, booleanFromText, ofType<bool>, booleanWords},
     {SettingType::integer, numberFromText<std::int64_t>, acceptedInteger, rangeWords},
     {SettingType::number, numberFromText<double>, acceptedNumber, rangeWords},
     {SettingType::text, plainFromText, acceptedText, textWords},
+    {SettingType::folder, plainFromText, acceptedFolder, folderWords},
     {SettingType::textList, listFromText, ofType<std::vector<std::string>>, listWords},
     {SettingType::dayOfWeek, plainFromText, acceptedName<base::DayOfWeek>,
      nameWords<base::DayOfWeek>},

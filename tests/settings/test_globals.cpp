@@ -203,7 +203,7 @@ TEST_CASE("what a setting cannot hold is refused with what it can") {
              {"fontSize", "1e999", "4 … 200"},
              {"fontSize", "", "4 … 200"},
              {"fontFamily", "", "not empty"},
-             {"cloudDriveContainer", "a\nb", "one line"},
+             {"cloudDriveContainer", "Sync", "from /"},
              {"sortBy", "Title", "title, modified, created"},
              {"defaultTodoCharacter", "*", "asterisk, dash, number"},
              {"firstDayOfWeek", "mon", "monday"},
