@@ -103,8 +103,20 @@ void DayTasks::eachTask(Visit visit) const {
     }
 }
 
-// Tells of scheduled lines whether the day that they name holds a copy. A day's tasks are read when
-// the first line asks, once for all that ask.
+// Stands for a content that begins with what may be a tag, so that its first character is not known
+// before the tags are taken out.
+constexpr char32_t anyCharacter = 0;
+
+// What the bare content begins with.
+char32_t firstCharacter(std::string_view content) {
+    content = base::trimmedStart(content);
+    const bool isKnown =
+        !content.empty() && std::string_view("<>@").find(content[0]) == content.npos;
+    return isKnown ? base::codePointAt(content, 0).value : anyCharacter;
+}
+
+// Tells of scheduled lines whether the day that they name holds a copy. Of a day's tasks only those
+// are made bare that begin as a line does that asks, once for all that ask.
 class DayTasks::Copies {
 public:
     explicit Copies(const DayTasks& tasks) {
@@ -123,7 +135,7 @@ public:
         if (found == _days.end()) {
             return false;
         }
-        found->second.read();
+        found->second.read(firstCharacter(behindBox(task)));
         const auto copies = found->second.links.find(bareContent(contentOf(task)));
         if (copies == found->second.links.end()) {
             return false;
@@ -136,18 +148,29 @@ public:
 private:
     struct OfDay {
         std::vector<const Note*> notes;
+        std::set<char32_t> characters;  // that were asked for
         // Where the tasks with this bare content link back to.
         std::unordered_map<std::string, std::set<std::optional<base::Day>>> links;
 
-        void read() {
-            for (const Note* note : std::exchange(notes, {})) {
+        void read(char32_t first) {
+            if (characters.contains(anyCharacter) || !characters.insert(first).second) {
+                return;
+            }
+            for (const Note* note : notes) {
                 for (const Line& line : note->lines) {
-                    links[bareContent(contentOf({note, &line}))].insert(
-                        backLinkDay(note->textOf(line)));
+                    const Found task{note, &line};
+                    const char32_t own = firstCharacter(behindBox(task));
+                    if (own == first || own == anyCharacter || first == anyCharacter) {
+                        links[bareContent(contentOf(task))].insert(backLinkDay(note->textOf(line)));
+                    }
                 }
             }
         }
     };
+
+    static std::string_view behindBox(const Found& task) {
+        return task.note->textOf(*task.line).substr(task.line->line.contentStart);
+    }
 
     static std::string_view contentOf(const Found& task) {
         return grammar::contentOf(task.note->textOf(*task.line), task.line->line);
