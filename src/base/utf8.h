@@ -44,6 +44,14 @@ std::u32string toUtf32(std::string_view text);
 /// Unpaired surrogates become U+FFFD.
 std::string toUtf8(std::u16string_view text);
 
+/// What some editors put before a text, and what is never part of it.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// `text` without a byte-order mark at its start.
+constexpr std::string_view withoutByteOrderMark(std::string_view text) {
+    return text.starts_with(byteOrderMark) ? text.substr(byteOrderMark.size()) : text;
+}
+
 /// Unicode's White_Space property.
 constexpr bool isWhiteSpace(char32_t c) {
     if (c < 0x80) {

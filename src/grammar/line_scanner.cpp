@@ -3,15 +3,10 @@
 
 #include <algorithm>
 
+#include "base/utf8.h"
 #include "grammar/mark_finder.h"
 
 namespace tessaly::grammar {
-
-namespace {
-
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
 
 void findMarks(std::string_view line, std::vector<Mark>& marks) {
     marks.clear();
@@ -25,7 +20,7 @@ void findMarks(std::string_view line, std::vector<Mark>& marks) {
 void NoteScanner::start(std::string_view text, const MarkerSettings& settings) {
     _text = text;
     _settings = settings;
-    _lineStart = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    _lineStart = text.size() - base::withoutByteOrderMark(text).size();
     _cursor = SignCursor(text, _lineStart);
     _nextIndex = 0;
     _done = _lineStart == text.size();

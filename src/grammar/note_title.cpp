@@ -8,13 +8,8 @@ namespace tessaly::grammar {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 std::string_view titleIn(std::string_view text) {
-    if (text.starts_with(byteOrderMark)) {
-        text.remove_prefix(byteOrderMark.size());
-    }
-    text = base::trimmedStart(text);
+    text = base::trimmedStart(base::withoutByteOrderMark(text));
     while (text.starts_with('#')) {
         text.remove_prefix(1);
     }

@@ -55,11 +55,11 @@ bool namesOnly(std::string_view path) {
     }
 }
 
-// Whether `folder` holds a link called `name`, wherever that leads.
-bool holdsLink(ports::FileSystem& files, const std::string& folder, std::string_view name) {
+// Whether `folder` may hold a link called `name`, wherever that leads.
+bool mayHoldLink(ports::FileSystem& files, const std::string& folder, std::string_view name) {
     const auto entries = files.list(folder);
     if (!entries) {
-        return false;
+        return entries.failure().kind != Failure::Kind::notFound;
     }
     for (const ports::FolderEntry& entry : *entries) {
         if (entry.kind == Kind::link && entry.name == name) {
@@ -67,6 +67,19 @@ bool holdsLink(ports::FileSystem& files, const std::string& folder, std::string_
         }
     }
     return false;
+}
+
+// Makes a folder unless something is at its path, and tells whether it did.
+base::Result<bool> makeIfMissing(ports::FileSystem& files, const std::string& folder) {
+    const auto kind = files.kindOf(folder);
+    if (kind) {
+        return false;
+    }
+    if (kind.failure().kind != Failure::Kind::notFound) {
+        return kind.failure();
+    }
+    const auto made = files.makeFolders(folder);
+    return made ? base::Result<bool>(true) : base::Result<bool>(made.failure());
 }
 
 }  // namespace
@@ -115,13 +128,7 @@ bool DataStore::localFolderExists() const {
 }
 
 bool DataStore::createFolderIfNonExisting(const std::string& folder) {
-    const auto kind = _files.kindOf(folder);
-    if (kind) {
-        return true;
-    }
-    const auto made = kind.failure().kind == Failure::Kind::notFound
-                          ? _files.makeFolders(folder)
-                          : base::Result<base::Done>(kind.failure());
+    const auto made = makeIfMissing(_files, folder);
     if (!made) {
         base::log("Error createFolderIfNonExisting: ", made.failure().description);
     }
@@ -175,7 +182,7 @@ base::Result<std::string> DataStore::pathOf(base::NoteType type, std::string_vie
         }
         const std::string missing(lastComponent(ancestor));
         ancestor = parentOf(ancestor);
-        if (holdsLink(_files, ancestor, missing)) {
+        if (mayHoldLink(_files, ancestor, missing)) {
             return outside(filename);
         }
     }
@@ -201,20 +208,16 @@ base::Result<base::Done> DataStore::createNote(base::NoteType type, std::string_
 }
 
 base::Result<base::Done> DataStore::makeFolderOfNote(const std::string& folder) {
-    const auto kind = _files.kindOf(folder);
-    if (kind) {
-        return base::Done{};
-    }
-    auto made = kind.failure().kind == Failure::Kind::notFound
-                    ? _files.makeFolders(folder)
-                    : base::Result<base::Done>(kind.failure());
-    if (made) {
-        base::log("Created directories: ", folder);
-    } else {
+    const auto made = makeIfMissing(_files, folder);
+    if (!made) {
         base::log("could not create a local folder for saving the notes (very first note?), error ",
                   made.failure().description);
+        return made.failure();
     }
-    return made;
+    if (*made) {
+        base::log("Created directories: ", folder);
+    }
+    return base::Done{};
 }
 
 }  // namespace tessaly::store

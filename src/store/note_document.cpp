@@ -4,17 +4,11 @@
 #include "base/utf8.h"
 
 namespace tessaly::store {
-namespace {
-
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
-
 std::optional<std::string_view> decodedText(std::string_view bytes) {
     if (!base::isUtf8(bytes)) {
         return std::nullopt;
     }
-    return bytes.starts_with(byteOrderMark) ? bytes.substr(byteOrderMark.size()) : bytes;
+    return base::withoutByteOrderMark(bytes);
 }
 
 base::Result<NoteDocument> NoteDocument::open(ports::FileSystem& files, const std::string& path) {
@@ -41,7 +35,7 @@ std::optional<std::string> NoteDocument::dataOfType(DocumentError& error) const 
         error = {DocumentError::Case::runtimeError, "Could not convert content to .utf8 data"};
         return std::nullopt;
     }
-    return _hasByteOrderMark ? std::string(byteOrderMark) + *noteContent : *noteContent;
+    return _hasByteOrderMark ? std::string(base::byteOrderMark) + *noteContent : *noteContent;
 }
 
 }  // namespace tessaly::store

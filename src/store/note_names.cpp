@@ -20,7 +20,6 @@ constexpr std::size_t maxTitleCharacters = 100;
 constexpr std::size_t maxNameBytes = maxFilenameBytes - 3 - 1 - noteExtension.size();
 // A name needs far less of a line, and a pattern's time may grow with the square of its length.
 constexpr std::size_t maxTitleBytes = 4096;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 const base::Regex& forbiddenCharacters() {
     static const base::Regex regex(uR"([#/\\?%*|"<>:.@#])");
@@ -115,9 +114,7 @@ std::optional<std::string> filenameFromTitle(std::string_view title, StripListMa
         base::log("Couldn't find a good filename");
         return std::nullopt;
     }
-    if (title.starts_with(byteOrderMark)) {
-        title.remove_prefix(byteOrderMark.size());
-    }
+    title = base::withoutByteOrderMark(title);
     const std::string whole = strip == StripListMarkers::yes
                                   ? withoutMarkers(title)
                                   : std::string(withoutLeadingHashes(title));
