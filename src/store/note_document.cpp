@@ -4,6 +4,7 @@
 #include "base/utf8.h"
 
 namespace tessaly::store {
+
 std::optional<std::string_view> decodedText(std::string_view bytes) {
     if (!base::isUtf8(bytes)) {
         return std::nullopt;
