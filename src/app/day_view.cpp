@@ -7,7 +7,6 @@
 
 #include "base/weekday.h"
 #include "grammar/line_scanner.h"
-#include "store/note_document.h"
 #include "store/note_names.h"
 
 namespace tessaly::app {
@@ -31,8 +30,7 @@ void addNote(Gathered& gathered, const store::NoteFile& file,
             gathered.noteDays.push_back(*day);
         }
     }
-    const auto text = store::decodedText(file.bytes).value_or("");
-    gathered.tasks.add(file.type, file.filename, text, markers, gathered.scanner);
+    gathered.tasks.add(file.type, file.filename, file.bytes, markers, gathered.scanner);
 }
 
 Reading readTasks(Services& services, store::NoteReader::Options options) {

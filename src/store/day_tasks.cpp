@@ -12,6 +12,7 @@
 #include "base/utf8.h"
 #include "grammar/date_tags.h"
 #include "grammar/todo_helper.h"
+#include "store/note_document.h"
 #include "store/note_names.h"
 #include "store/note_tags.h"
 #include "store/paths.h"
@@ -55,13 +56,14 @@ std::optional<base::Day> backLinkDay(std::string_view text) {
 
 }  // namespace
 
-void DayTasks::add(base::NoteType type, std::string_view filename, std::string_view text,
+void DayTasks::add(base::NoteType type, std::string_view filename, std::string_view bytes,
                    const grammar::MarkerSettings& settings, grammar::NoteScanner& scanner) {
     const auto noteDay =
         type == base::NoteType::calendar ? dayOfCalendarFilename(filename) : std::nullopt;
-    if (!noteDay && !mayHoldScheduleTag(text)) {
+    if (!noteDay && !mayHoldScheduleTag(bytes)) {
         return;
     }
+    const std::string_view text = decodedText(bytes).value_or(std::string_view());
     Note note;
     scanner.start(text, settings);
     const auto next = noteDay ? &grammar::NoteScanner::next : &grammar::NoteScanner::nextWithSign;

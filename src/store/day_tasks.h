@@ -45,8 +45,9 @@ struct OverdueTasks {
 /// open task of the day it names.
 class DayTasks {
 public:
-    /// Adds the tasks of one note; `scanner` is the calling thread's.
-    void add(base::NoteType type, std::string_view filename, std::string_view text,
+    /// Adds the tasks of one note; `scanner` is the calling thread's. `bytes` are the file's: a
+    /// note that is not UTF-8 has none.
+    void add(base::NoteType type, std::string_view filename, std::string_view bytes,
              const grammar::MarkerSettings& settings, grammar::NoteScanner& scanner);
     void join(DayTasks&& other);
 
