@@ -2,6 +2,7 @@
 #include "store/day_tasks.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <map>
 #include <set>
@@ -124,22 +125,23 @@ public:
     explicit Copies(const DayTasks& tasks) {
         for (const auto& note : tasks._notes) {
             if (note->day) {
-                _days[*note->day].notes.push_back(note.get());
+                _notes.emplace_back(std::chrono::sys_days{*note->day}, note.get());
             }
         }
+        std::sort(_notes.begin(), _notes.end());
     }
 
     bool hasCopyOf(const Found& task) {
         if (task.line->line.type != TodoType::scheduled) {
             return false;
         }
-        const auto found = _days.find(*task.line->scheduledTo);
-        if (found == _days.end()) {
+        const std::chrono::sys_days day{*task.line->scheduledTo};
+        OfDay& there = _days[day.time_since_epoch().count()];
+        if (!mayHold(there, day, firstCharacter(behindBox(task)))) {
             return false;
         }
-        found->second.read(firstCharacter(behindBox(task)));
-        const auto copies = found->second.links.find(bareContent(contentOf(task)));
-        if (copies == found->second.links.end()) {
+        const auto copies = there.links.find(bareContent(contentOf(task)));
+        if (copies == there.links.end()) {
             return false;
         }
         const auto& source = task.note->day;
@@ -148,27 +150,34 @@ public:
     }
 
 private:
+    // What has been asked of a day.
     struct OfDay {
-        std::vector<const Note*> notes;
-        std::set<char32_t> characters;  // that were asked for
+        std::map<char32_t, bool> characters;  // whether a task may begin with it
         // Where the tasks with this bare content link back to.
         std::unordered_map<std::string, std::set<std::optional<base::Day>>> links;
+    };
 
-        void read(char32_t first) {
-            if (characters.contains(anyCharacter) || !characters.insert(first).second) {
-                return;
-            }
-            for (const Note* note : notes) {
-                for (const Line& line : note->lines) {
-                    const Found task{note, &line};
-                    const char32_t own = firstCharacter(behindBox(task));
-                    if (own == first || own == anyCharacter || first == anyCharacter) {
-                        links[bareContent(contentOf(task))].insert(backLinkDay(note->textOf(line)));
-                    }
+    // Whether the day may hold a task that begins so; if it may, its `links` are filled with those.
+    bool mayHold(OfDay& there, std::chrono::sys_days day, char32_t first) const {
+        const auto [known, isNew] = there.characters.try_emplace(first, false);
+        if (!isNew) {
+            return known->second;
+        }
+        const std::pair<std::chrono::sys_days, const Note*> from{day, nullptr};
+        for (auto at = std::lower_bound(_notes.begin(), _notes.end(), from);
+             at != _notes.end() && at->first == day; ++at) {
+            for (const Line& line : at->second->lines) {
+                const Found task{at->second, &line};
+                const char32_t own = firstCharacter(behindBox(task));
+                if (own == first || own == anyCharacter || first == anyCharacter) {
+                    known->second = true;
+                    there.links[bareContent(contentOf(task))].insert(
+                        backLinkDay(at->second->textOf(line)));
                 }
             }
         }
-    };
+        return known->second;
+    }
 
     static std::string_view behindBox(const Found& task) {
         return task.note->textOf(*task.line).substr(task.line->line.contentStart);
@@ -178,7 +187,8 @@ private:
         return grammar::contentOf(task.note->textOf(*task.line), task.line->line);
     }
 
-    std::map<base::Day, OfDay> _days;
+    std::vector<std::pair<std::chrono::sys_days, const Note*>> _notes;  // of days, in order
+    std::unordered_map<std::chrono::days::rep, OfDay> _days;            // those asked for
 };
 
 std::vector<NoteTask> DayTasks::ofNote(base::Day day) const {
