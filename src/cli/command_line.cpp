@@ -113,6 +113,9 @@ private:
         invocation.json = global("--json").has_value();
         invocation.help = global("--help").has_value();
         invocation.version = global("--version").has_value();
+        if (invocation.root && invocation.root->empty()) {
+            return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), "--root"));
+        }
         if (!readColor(global("--color").value_or("auto"), invocation.color)) {
             return misuse(tr("--color is auto, always or never"));
         }

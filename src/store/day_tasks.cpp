@@ -35,10 +35,6 @@ bool mayHoldScheduleTag(std::string_view text) {
     return false;
 }
 
-std::optional<base::Day> firstDay(const ScannedLine& line, MarkKind kind) {
-    return grammar::TodoHelper::firstDay(line, kind);
-}
-
 // What an original and its copy have in common.
 std::string bareContent(std::string_view content) {
     if (content.find_first_of("<>@") == content.npos) {
@@ -52,7 +48,7 @@ std::string bareContent(std::string_view content) {
 std::optional<base::Day> backLinkDay(std::string_view text) {
     std::vector<grammar::Mark> marks;
     grammar::findMarks(text, marks);
-    return firstDay({0, 0, text, {}, marks}, MarkKind::backLink);
+    return grammar::TodoHelper::firstDay({0, 0, text, {}, marks}, MarkKind::backLink);
 }
 
 }  // namespace
@@ -72,7 +68,7 @@ void DayTasks::add(base::NoteType type, std::string_view filename, std::string_v
         if (!grammar::isTask(scanned->line.type)) {
             continue;
         }
-        const auto scheduledTo = firstDay(*scanned, MarkKind::scheduleTag);
+        const auto scheduledTo = grammar::TodoHelper::firstDay(*scanned, MarkKind::scheduleTag);
         if (scheduledTo || noteDay) {
             note.lines.push_back({static_cast<std::uint32_t>(note.text.size()),
                                   static_cast<std::uint32_t>(scanned->text.size()),

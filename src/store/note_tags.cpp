@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store/note_tags.h"
 
+#include "grammar/date_tags.h"
+
 namespace tessaly::store {
 
 using grammar::MarkKind;
@@ -16,13 +18,12 @@ void NoteTags::add(const grammar::ScannedLine& line) {
 }
 
 std::optional<base::Day> dayOfMark(const grammar::ScannedLine& line, const grammar::Mark& mark) {
-    if (mark.kind == MarkKind::hashtag || mark.kind == MarkKind::mention) {
-        return std::nullopt;
+    switch (mark.kind) {
+        case MarkKind::hashtag:
+        case MarkKind::mention: return std::nullopt;
+        case MarkKind::doneTag: return grammar::DateTags::readDoneTag(markText(line, mark)).day;
+        default: return grammar::DateTags::dayOf(markText(line, mark));
     }
-    // Only white space, a sign and "done(" can stand before the date.
-    const std::string_view text = markText(line, mark);
-    const std::size_t date = text.find_first_of("0123456789");
-    return date == text.npos ? std::nullopt : base::dayFromTagText(text.substr(date, 10));
 }
 
 }  // namespace tessaly::store
