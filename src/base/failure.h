@@ -14,6 +14,7 @@ struct Failure {
     enum class Kind {
         notFound,
         exists,
+        changed,  ///< what was to be replaced is no longer what was read
         denied,
         notAFile,  ///< a folder, pipe, socket or device where a regular file was expected
         tooLarge,
