@@ -49,9 +49,9 @@ struct FileRead {
 };
 using FileSink = std::function<void(const FileRead&)>;
 
-/// Files and folders. Paths are absolute. Every operation may be called from any thread, logs
-/// nothing, and blocks for as long as the disk does; a pipe, socket or device is refused, never
-/// opened for reading.
+/// Files and folders, to be looked at. Paths are absolute. Every operation may be called from any
+/// thread, logs nothing, and blocks for as long as the disk does; a pipe, socket or device is
+/// refused, never opened for reading.
 class FileSystem {
 public:
     virtual ~FileSystem() = default;
@@ -75,14 +75,6 @@ public:
 
     /// `path` with every link and ".." resolved. Failure: some part of it is not there.
     virtual base::Result<std::string> resolve(const std::string& path) = 0;
-
-    /// Makes a folder and those above it, readable by the owner alone where it makes them. One that
-    /// is there already is no failure.
-    virtual base::Result<base::Done> makeFolders(const std::string& folder) = 0;
-
-    /// Writes a new file as a whole (temporary file, fsync, rename that replaces nothing, fsync of
-    /// the folder). Failure `exists`: there is one, and it is untouched.
-    virtual base::Result<base::Done> create(const std::string& file, std::string_view bytes) = 0;
 };
 
 }  // namespace tessaly::ports
