@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <array>
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <doctest/doctest.h>
+
+#include "store/line_diff.h"
+#include "store/three_way_merge.h"
+
+using namespace tessaly;
+using store::threeWayMerge;
+
+namespace {
+
+void check(std::string_view base, std::string_view mine, std::string_view theirs,
+           std::string_view expected) {
+    CAPTURE(base);
+    CAPTURE(mine);
+    CAPTURE(theirs);
+    CHECK(threeWayMerge(base, mine, theirs) == expected);
+}
+
+using Counts = std::map<std::string, int>;
+
+/// How often each line occurs; the tags of a task may stand in any order.
+Counts lineCounts(std::string_view text) {
+    Counts counts;
+    std::vector<std::string_view> lines = store::linesOfText(text);
+    if (lines.back().empty()) {
+        lines.pop_back();
+    }
+    for (const std::string_view line : lines) {
+        std::string sorted(line);
+        if (line.starts_with("* ")) {
+            std::sort(sorted.begin(), sorted.end());
+        }
+        ++counts[sorted];
+    }
+    return counts;
+}
+
+class Random {
+public:
+    explicit Random(unsigned seed) : _engine(seed) {}
+
+    std::size_t below(std::size_t end) { return _engine() % end; }
+    std::string oneOf(const std::vector<std::string>& choices) {
+        return choices[below(choices.size())];
+    }
+    std::string text(const std::vector<std::string>& alphabet) {
+        std::string text;
+        for (std::size_t left = below(9); left > 0; --left) {
+            text += oneOf(alphabet) + (left == 1 && below(2) == 0 ? "" : "\n");
+        }
+        return text;
+    }
+
+private:
+    std::mt19937 _engine;
+};
+
+const std::vector<std::string> prose{"a", "b", "c", "", "d\r", "\xE9"};
+const std::vector<std::string> tasks{
+    "* Call", "* [x] Call",    "* Call #a", "* Call >2019-05-21", "* [-] Call #b", "* Call Bob",
+    "* Mail", "* [x] Mail #a", "Call"};
+
+/// Every line that a side has more often than the base is in the result at least as much more
+/// often than nowhere.
+void requireNoLineLost(const Counts& base, const Counts& side, const Counts& result) {
+    for (const auto& [line, count] : side) {
+        const auto before = base.find(line);
+        const auto after = result.find(line);
+        REQUIRE((after == result.end() ? 0 : after->second) >=
+                count - (before == base.end() ? 0 : before->second));
+    }
+}
+
+}  // namespace
+
+TEST_CASE("changes at different places are both there") {
+    check("a\nb\nc\nd\n", "a\nB\nc\nd\n", "a\nb\nc\nD\n", "a\nB\nc\nD\n");
+    check("a\nb\nc\n", "a\nX\nb\nc\n", "b\nc\nY\n", "X\nb\nc\nY\n");
+    check("a\nb\nc\n", "b\nc\n", "a\nb\n", "b\n");
+    check("a\nb\nc\nd\n", "A\nb\nc\nd\n", "a\nB\nc\nd\n", "A\nB\nc\nd\n");
+    check("a\r\nb\r\n", "a\r\nx\r\nb\r\n", "a\r\nb\r\ny\r\n", "a\r\nx\r\nb\r\ny\r\n");
+}
+
+TEST_CASE("at one place both stay, what they share once, mine first") {
+    check("a\nb\n", "a\nx\nb\n", "a\ny\nb\n", "a\nx\ny\nb\n");
+    check("a\nb\n", "a\nx\ny\nb\n", "a\ny\nz\nb\n", "a\nx\ny\nz\nb\n");
+    check("a\n", "x\n", "y\n", "x\ny\n");
+    check("a\nb\n", "x\nz\n", "y\nw\n", "x\ny\nz\nw\n");
+    check("a\nb\n", "x\ny\nz\n", "x\ny\n", "x\ny\nz\n");
+    check("", "x\n", "x\ny\n", "x\ny\n");
+    check("", "x\n", "y\n", "x\ny\n");
+}
+
+TEST_CASE("a changed line outlives its deletion, an untouched one does not") {
+    check("a\nb\nc\n", "a\nc\n", "a\nB\nc\n", "a\nB\nc\n");
+    check("a\nb\nc\n", "", "a\nB\nc\n", "B\n");
+    check("a\nb\nc\n", "a\nc\n", "a\nb\nc\nd\n", "a\nc\nd\n");
+}
+
+TEST_CASE("two versions of a task become one") {
+    check("# Day\n* [ ] Call Bob\n", "# Day\n* [x] Call Bob @done(2019-05-21)\n",
+          "# Day\n* [ ] Call Bob >2019-05-25\n",
+          "# Day\n* [x] Call Bob @done(2019-05-21) >2019-05-25\n");
+    // Known by its text where lines were added or taken out beside it.
+    check("* Call Bob\n* Buy milk\n", "* New\n* [x] Call Bob\n* Buy milk #shop\n",
+          "* Call Bob #a\n* [x] Buy milk\n", "* New\n* [x] Call Bob #a\n* [x] Buy milk #shop\n");
+    check("* Call Bob\n* Buy milk\n", "* [x] Buy milk\n", "* Call Bob #a\n* Buy milk #b\n",
+          "* Call Bob #a\n* [x] Buy milk #b\n");
+    check("* Call Bob\n", "* [x] Call Bob\n", "* [-] Call Bob\n",
+          "* [x] Call Bob\n* [-] Call Bob\n");
+    check("* Call Bob\n", "* Buy milk\n", "* [x] Call Bob\n", "* Buy milk\n* [x] Call Bob\n");
+    check("* Call Bob\r\n", "* [x] Call Bob\r\n", "* Call Bob #a\r\n", "* [x] Call Bob #a\r\n");
+    check("* Call Bob\n", "", "* [x] Call Bob\n", "* [x] Call Bob\n");
+}
+
+TEST_CASE("a missing break at the end neither joins nor loses lines") {
+    check("a\n", "a\nb", "a\nc\n", "a\nb\nc\n");
+    check("a\n", "a\nc\n", "a\nb", "a\nc\nb");
+    check("a", "a\n", "a\nb", "a\nb\n");
+    check("a", "a\nb\n", "a\nc", "a\nb\nc\n");
+    check("a\n", "a", "b\na\n", "b\na");
+    check("x\nb", "\nb", "x", "\n");
+    check("a\r\n", "a\r\nb", "a\r\nc\r\n", "a\r\nb\nc\r\n");
+    check("a\n", "", "a\nb\n", "b\n");
+    check("* Call", "* [x] Call", "* Call #a\n", "* [x] Call #a\n");
+}
+
+TEST_CASE("any three texts: a side that did nothing leaves the other's, and no line is lost") {
+    Random random(20190521);
+    for (int round = 0; round < 20000; ++round) {
+        const bool isProse = round % 2 == 0;
+        const std::vector<std::string>& alphabet = isProse ? prose : tasks;
+        const std::string base = random.text(alphabet);
+        const std::string mine = random.text(alphabet);
+        const std::string theirs = random.text(alphabet);
+        CAPTURE(base);
+        CAPTURE(mine);
+        CAPTURE(theirs);
+        REQUIRE(threeWayMerge(base, base, theirs) == theirs);
+        REQUIRE(threeWayMerge(base, mine, base) == mine);
+        REQUIRE(threeWayMerge(base, mine, mine) == mine);
+        const std::string merged = threeWayMerge(base, mine, theirs);
+        CAPTURE(merged);
+        const Counts counts = lineCounts(merged);
+        REQUIRE(counts == lineCounts(threeWayMerge(base, theirs, mine)));
+        if (isProse) {
+            const Counts before = lineCounts(base);
+            requireNoLineLost(before, lineCounts(mine), counts);
+            requireNoLineLost(before, lineCounts(theirs), counts);
+        }
+    }
+}
+
+TEST_CASE("edits of a list of tasks, each told from what both sides did to it") {
+    Random random(42);
+    const auto has = [](const std::string& text, const std::string& part) {
+        return text.find(part) != std::string::npos;
+    };
+    for (int round = 0; round < 2000; ++round) {
+        std::string base;
+        std::string sides[2];
+        std::vector<std::array<std::string, 2>> tags;
+        std::vector<std::array<bool, 2>> isDeleted;
+        for (std::size_t i = 0; i < 8; ++i) {
+            const std::string task = "* Task " + std::string(3, static_cast<char>('a' + i));
+            base += task + '\n';
+            tags.emplace_back();
+            isDeleted.emplace_back();
+            for (std::size_t side = 0; side < 2; ++side) {
+                const std::string mark = std::to_string(i) + (side == 0 ? "mine" : "theirs");
+                tags[i][side] = random.below(3) == 0 ? " #tag" + mark : "";
+                isDeleted[i][side] = random.below(6) == 0;
+                sides[side] += random.below(6) == 0 ? "new" + mark + '\n' : "";
+                sides[side] += isDeleted[i][side] ? "" : task + tags[i][side] + '\n';
+            }
+        }
+        const std::string merged = threeWayMerge(base, sides[0], sides[1]);
+        CAPTURE(base);
+        CAPTURE(sides[0]);
+        CAPTURE(sides[1]);
+        CAPTURE(merged);
+        for (std::size_t i = 0; i < 8; ++i) {
+            const std::string task = "* Task " + std::string(3, static_cast<char>('a' + i));
+            const bool isGone = (isDeleted[i][0] && (isDeleted[i][1] || tags[i][1].empty())) ||
+                                (isDeleted[i][1] && tags[i][0].empty());
+            const std::string expected =
+                (isDeleted[i][0] ? "" : tags[i][0]) + (isDeleted[i][1] ? "" : tags[i][1]) + '\n';
+            CAPTURE(task);
+            REQUIRE(has(merged, task) == !isGone);
+            REQUIRE((isGone || has(merged, task + expected)));
+        }
+        for (const std::string& side : sides) {
+            for (const std::string_view line : store::linesOfText(side)) {
+                REQUIRE((!line.starts_with("new") || has(merged, std::string(line) + '\n')));
+            }
+        }
+    }
+}
