@@ -10,6 +10,7 @@
 #include "base/log.h"
 #include "base/regex.h"
 #include "base/utf8.h"
+#include "store/foreign_names.h"
 
 namespace tessaly::store {
 namespace {
@@ -100,7 +101,7 @@ std::string calendarFilename(base::Day day) {
 }
 
 bool isNoteFilename(std::string_view filename) {
-    return !filename.starts_with('.') && !extensionOf(filename).empty();
+    return !extensionOf(filename).empty() && nameKind(filename) == NameKind::ordinary;
 }
 
 std::string_view baseName(std::string_view filename) {

@@ -24,7 +24,8 @@ std::string calendarFilename(base::Day day);
 
 using grammar::dayOfCalendarFilename;
 
-/// Whether a file name is a note's: it ends in ".txt" or ".md" and does not begin with a dot.
+/// Whether a file name is a note's: it ends in ".txt" or ".md" and is an ordinary name: not hidden,
+/// no other program's temporary file. A conflict copy's name is a note's, too.
 bool isNoteFilename(std::string_view filename);
 
 /// The file name without folders and without ".txt" or ".md".

@@ -9,8 +9,11 @@
 #include <utility>
 
 #include "base/localisation.h"
+#include "base/temporary_name.h"
 #include "base/utf8.h"
+#include "store/conflict_patterns.h"
 #include "store/note_names.h"
+#include "store/notes_by_name.h"
 #include "store/paths.h"
 #include "store/work_queue.h"
 
@@ -49,6 +52,21 @@ bool isNoteFile(const FolderEntry& entry) {
            base::isUtf8(entry.name);
 }
 
+bool mayBeConflictCopy(const FolderEntry& entry) {
+    return mayBeConflictName(entry.name) && entry.kind == Kind::file && !isPassedOver(entry) &&
+           base::isUtf8(entry.name);
+}
+
+bool isPlaceholderOfNote(std::string_view name) {
+    const auto note = nameOfPlaceholder(name);
+    return note && isNoteFilename(*note);
+}
+
+template <class Items>
+void append(Items& items, Items&& more) {
+    std::move(more.begin(), more.end(), std::back_inserter(items));
+}
+
 /// One reading of all notes, shared by its workers.
 class Walk {
 public:
@@ -83,10 +101,14 @@ public:
             whole.files += part.files;
             whole.bytes += part.bytes;
             whole.cancelled |= part.cancelled;
-            std::move(part.skipped.begin(), part.skipped.end(), std::back_inserter(whole.skipped));
+            append(whole.skipped, std::move(part.skipped));
+            append(whole.conflictCopies, std::move(part.conflictCopies));
+            append(whole.temporaries, std::move(part.temporaries));
         }
-        std::sort(whole.skipped.begin(), whole.skipped.end(),
-                  [](const SkippedFile& a, const SkippedFile& b) { return a.path < b.path; });
+        const auto byPath = [](const auto& a, const auto& b) { return a.path < b.path; };
+        std::sort(whole.skipped.begin(), whole.skipped.end(), byPath);
+        std::sort(whole.conflictCopies.begin(), whole.conflictCopies.end(), byPath);
+        std::sort(whole.temporaries.begin(), whole.temporaries.end());
         return whole;
     }
 
@@ -113,11 +135,14 @@ private:
             return;
         }
         folder->entries = std::move(entries).value();
+        setCopiesAside(worker, *folder);
         const auto rest =
             std::partition(folder->entries.begin(), folder->entries.end(), isNoteFile);
         std::for_each(rest, folder->entries.end(), [&](const FolderEntry& entry) {
             if (!isPassedOver(entry)) {
                 handleOther(worker, *folder, entry);
+            } else if (entry.kind == Kind::file && base::nameOfTemporary(entry.name)) {
+                _reports[worker].temporaries.push_back(pathInData(*folder, entry.name));
             }
         });
         std::span<const FolderEntry> files(folder->entries.begin(), rest);
@@ -128,16 +153,47 @@ private:
         readFiles(worker, *folder, files);
     }
 
+    // Takes the conflict copies out of a folder's entries.
+    void setCopiesAside(std::size_t worker, Folder& folder) {
+        if (std::none_of(folder.entries.begin(), folder.entries.end(), mayBeConflictCopy)) {
+            return;
+        }
+        NotesByName notes;
+        for (const FolderEntry& entry : folder.entries) {
+            if (isNoteFile(entry)) {
+                notes.add(entry.name);
+            }
+        }
+        std::erase_if(folder.entries, [&](const FolderEntry& entry) {
+            if (!mayBeConflictCopy(entry)) {
+                return false;
+            }
+            const auto copy = notes.conflictCopy(entry.name);
+            if (copy) {
+                _reports[worker].conflictCopies.push_back(
+                    {pathInData(folder, entry.name), pathInData(folder, copy->original),
+                     copy->device, copy->deviceOf, copy->client});
+            }
+            return copy.has_value();
+        });
+    }
+
     void handleOther(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
         if (entry.kind == Kind::link) {
             handleLink(worker, folder, entry);
             return;
         }
         const bool isFolder = entry.kind == Kind::folder;
+        std::string name = joined(folder.name, entry.name);
+        if (entry.kind == Kind::file && isPlaceholderOfNote(entry.name)) {
+            skip(worker, folder.type, name,
+                 {Failure::Kind::unavailable,
+                  base::tr("the sync program has not downloaded it yet")});
+            return;
+        }
         if (!isFolder && !isNoteFilename(entry.name)) {
             return;
         }
-        std::string name = joined(folder.name, entry.name);
         if (!base::isUtf8(entry.name)) {
             skip(worker, folder.type, name,
                  {Failure::Kind::malformed, base::tr("its name is not UTF-8")});
@@ -201,9 +257,15 @@ private:
     }
 
     void skip(std::size_t worker, base::NoteType type, std::string_view name, Failure failure) {
-        const std::string path = joined(base::folderName(type), name);
-        _reports[worker].skipped.push_back(
-            {base::isUtf8(path) ? path : base::toUtf8(base::toUtf16(path)), std::move(failure)});
+        _reports[worker].skipped.push_back({pathInData(type, name), std::move(failure)});
+    }
+
+    static std::string pathInData(base::NoteType type, std::string_view name) {
+        std::string path = joined(base::folderName(type), name);
+        return base::isUtf8(path) ? path : base::toUtf8(base::toUtf16(path));
+    }
+    static std::string pathInData(const Folder& folder, std::string_view name) {
+        return pathInData(folder.type, joined(folder.name, name));
     }
 
     bool isCancelled() const { return _options.cancelled && *_options.cancelled; }

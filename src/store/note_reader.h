@@ -14,6 +14,7 @@
 #include "base/note_type.h"
 #include "ports/file_system.h"
 #include "store/data_store.h"
+#include "store/foreign_names.h"
 
 namespace tessaly::store {
 
@@ -31,11 +32,24 @@ struct SkippedFile {
     base::Failure failure;
 };
 
+/// A version of a note that a sync client has set aside under a name of its own.
+struct ConflictCopy {
+    std::string path;      ///< relative to the data folder
+    std::string original;  ///< of the note in the same folder that it is a version of, likewise
+    std::string device;    ///< may be empty
+    DeviceOf deviceOf;
+    std::string_view client;
+};
+
 /// What a reading of many notes came to.
 struct ReadReport {
     std::size_t files = 0;  ///< read
     std::uint64_t bytes = 0;
-    std::vector<SkippedFile> skipped;  ///< by path
+    std::vector<SkippedFile> skipped;          ///< by path
+    std::vector<ConflictCopy> conflictCopies;  ///< by path
+    /// Temporary files of ours, relative to the data folder, by path: of a change that was
+    /// interrupted, or that some process makes at this moment.
+    std::vector<std::string> temporaries;
     bool cancelled = false;
 };
 
@@ -65,9 +79,13 @@ public:
 
     /// Names that begin with "." or are "_attachments" are passed over without a word; of files,
     /// those that are notes by name are read. What cannot be read, what is no regular file but
-    /// named like a note (a link, too), links to folders, and names that are not UTF-8 are in the
-    /// report. A kind whose folder is not there has no notes. A calendar note in a sub-folder, or
-    /// with a name that is no day, is delivered all the same.
+    /// named like a note (a link, too), links to folders, names that are not UTF-8, and
+    /// placeholders of notes that a sync client has not downloaded are in the report.
+    ///
+    /// A conflict copy whose original is a note in the same folder is not delivered but reported;
+    /// without its original it is a note like any other. A kind whose folder is not there has no
+    /// notes. A calendar note in a sub-folder, or with a name that is no day, is delivered all the
+    /// same.
     ReadReport readAll(const Options& options, const Visit& visit);
 
 private:

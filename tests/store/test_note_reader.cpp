@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 
 #include "base/inline_executor.h"
+#include "base/temporary_name.h"
 #include "base/thread_pool.h"
 #include "base/utf8.h"
 #include "store/note_names.h"
@@ -265,6 +266,74 @@ TEST_CASE("what cannot be read is named with its reason") {
         CHECK(skipped.failure.kind == base::Failure::Kind::denied);
     }
     fs::permissions(folder, fs::perms::owner_all);
+}
+
+TEST_CASE("conflict copies beside their originals are reported, not delivered") {
+    tests::StoreFixture fixture;
+    const auto& folder = fixture.folder;
+    const std::string temporary = base::temporaryName("Plans.txt");
+    for (const std::string& name : {
+             std::string("Calendar/20190305.txt"),
+             std::string("Calendar/20190305.sync-conflict-20190306-101010-ABCDEFG.txt"),
+             std::string("Calendar/20190305 2.txt"),
+             std::string("Notes/Plans.txt"),
+             std::string("Notes/Plans (Ann's conflicted copy 2019-03-06).txt"),
+             std::string("Notes/Plans (Ann's conflicted copy 2019-03-06) (conflicted).txt"),
+             std::string("Notes/Plans.txt.conflict1"),
+             std::string("Notes/" + temporary),
+             std::string("Notes/photo.png"),
+             std::string("Notes/photo (conflicted).png"),
+             // Composed here, decomposed there.
+             std::string("Notes/Caf\xC3\xA9.md"),
+             std::string("Notes/Cafe\xCC\x81 (conflicted).md"),
+             // The original is missing, hidden, no file, in another folder or not downloaded.
+             std::string("Notes/Gone (conflicted).txt"),
+             std::string("Notes/Gone.txt..path1"),
+             std::string("Notes/Set (conflicted).txt"),
+             std::string("Notes/Set.txt/inner.txt"),
+             std::string("Notes/.txt"),
+             std::string("Notes/ (conflicted).txt"),
+             std::string("Notes/sub/Plans (conflicted).txt"),
+             std::string("Notes/sub/Cloudy (conflicted).txt"),
+             std::string("Notes/sub/Cloudy.txt.nextcloud"),
+             std::string("Notes/sub/photo.png.nextcloud"),
+             std::string("Notes/sub/~$Plans.txt"),
+             std::string("Notes/sub/~100 ideas.txt"),
+             std::string("Notes/sub/bad \xE9.txt"),
+             std::string("Notes/sub/bad \xE9 (conflicted).txt"),
+         }) {
+        folder.write("data/" + name, "");
+    }
+    for (const std::size_t threads : {1U, 3U}) {
+        base::ThreadPool pool(threads);
+        const Reading reading = readAll(fixture.store, pool);
+        CHECK(reading.files ==
+              Lines{"Calendar/20190305 2.txt: ", "Calendar/20190305.txt: ",
+                    "Notes/ (conflicted).txt: ", "Notes/Caf\xC3\xA9.md: ",
+                    "Notes/Gone (conflicted).txt: ", "Notes/Plans.txt: ",
+                    "Notes/Set (conflicted).txt: ", "Notes/Set.txt/inner.txt: ",
+                    "Notes/sub/Cloudy (conflicted).txt: ", "Notes/sub/Plans (conflicted).txt: ",
+                    "Notes/sub/~100 ideas.txt: "});
+        std::string copies;
+        for (const store::ConflictCopy& copy : reading.report.conflictCopies) {
+            copies += copy.path + " | " + copy.original + " | " + copy.device + " | " +
+                      std::string(copy.client) + "\n";
+        }
+        CHECK(copies ==
+              "Calendar/20190305.sync-conflict-20190306-101010-ABCDEFG.txt"
+              " | Calendar/20190305.txt | ABCDEFG | Syncthing\n"
+              "Notes/Cafe\xCC\x81 (conflicted).md | Notes/Caf\xC3\xA9.md |  | pCloud\n"
+              "Notes/Plans (Ann's conflicted copy 2019-03-06) (conflicted).txt"
+              " | Notes/Plans.txt |  | pCloud\n"
+              "Notes/Plans (Ann's conflicted copy 2019-03-06).txt"
+              " | Notes/Plans.txt | Ann | Dropbox\n"
+              "Notes/Plans.txt.conflict1 | Notes/Plans.txt |  | rclone\n");
+        CHECK(reading.report.temporaries == std::vector<std::string>{"Notes/" + temporary});
+        CHECK(reading.skipped == Lines{"Notes/sub/Cloudy.txt.nextcloud",
+                                       "Notes/sub/bad \xEF\xBF\xBD (conflicted).txt",
+                                       "Notes/sub/bad \xEF\xBF\xBD.txt"});
+        CHECK(reading.report.files == reading.files.size());
+    }
 }
 
 TEST_CASE("all notes of a data folder are loaded in order") {
