@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+
+#include "base/enum_names.h"
+
+namespace tessaly::store {
+
+/// How a text that the history keeps came to stand in its file, or why it went.
+enum class ChangeCause {
+    found,       ///< written by another program or device; it stood there before our change
+    created,     ///< a new note
+    added,       ///< text was added to the note
+    deleted,     ///< a range was deleted from the note
+    merged,      ///< a stray calendar file was merged into it
+    restored,    ///< an earlier text was put back
+    trashed,     ///< the file went to the trash, or for good
+    unfinished,  ///< lay in a temporary file of a write that did not end
+};
+
+}  // namespace tessaly::store
+
+template <>
+struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
+    static constexpr std::array<EnumName<store::ChangeCause>, 8> rows{{
+        {store::ChangeCause::found, "found"},
+        {store::ChangeCause::created, "created"},
+        {store::ChangeCause::added, "added"},
+        {store::ChangeCause::deleted, "deleted"},
+        {store::ChangeCause::merged, "merged"},
+        {store::ChangeCause::restored, "restored"},
+        {store::ChangeCause::trashed, "trashed"},
+        {store::ChangeCause::unfinished, "unfinished"},
+    }};
+};

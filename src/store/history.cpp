@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+#include "store/history.h"
+
+#include <algorithm>
+#include <chrono>
+#include <unordered_set>
+
+#include "base/localisation.h"
+#include "base/sha256.h"
+#include "base/temporary_name.h"
+#include "store/history_index.h"
+#include "store/history_pruning.h"
+#include "store/paths.h"
+
+namespace tessaly::store {
+
+using base::Done;
+using base::Failure;
+using base::Result;
+using ports::Durability;
+using ports::FileContents;
+
+namespace {
+
+// After this time the kernel has written what was left to it.
+constexpr std::chrono::seconds kernelDelay{60};
+constexpr std::size_t shortestPrefix = 4;
+
+bool hasBytesOf(const HistoryEntry& entry, const HistoryEntry& other) {
+    return entry.hash == other.hash && entry.bytes == other.bytes;
+}
+
+std::vector<HistoryEntry> newestFirst(std::string_view index) {
+    std::vector<HistoryEntry> entries;
+    for (const std::string_view line : linesOf(index)) {
+        if (auto entry = entryOfLine(line.substr(0, line.size() - 1))) {
+            entries.push_back(*std::move(entry));
+        }
+    }
+    std::reverse(entries.begin(), entries.end());
+    return entries;
+}
+
+// Prefixes are copied from lists, and by some in capitals.
+std::optional<std::string> prefixOfHash(std::string_view text) {
+    std::string prefix(text);
+    for (char& c : prefix) {
+        c = c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    const bool isHex = prefix.find_first_not_of("0123456789abcdef") == prefix.npos;
+    return isHex && prefix.size() >= shortestPrefix ? std::optional(std::move(prefix))
+                                                    : std::nullopt;
+}
+
+}  // namespace
+
+Result<FileContents> History::readIndex() const {
+    auto index = _tools.files.read(indexFile());
+    if (!index && index.failure().kind == Failure::Kind::notFound) {
+        return FileContents{};
+    }
+    return index;
+}
+
+HistoryEntry History::entryOf(const std::string& file, std::string_view bytes,
+                              ChangeCause cause) const {
+    return {_tools.clock.now(), cause, base::sha256(bytes), bytes.size(), file};
+}
+
+Result<Done> History::keepOld(const std::string& file, std::string_view bytes, ChangeCause cause) {
+    const auto lock = _tools.locks.take(_folder);
+    if (!lock) {
+        return lock.failure();
+    }
+    const auto index = readIndex();
+    if (!index) {
+        return index.failure();
+    }
+    const HistoryEntry entry = entryOf(file, bytes, cause);
+    const auto newest = newestOf(index->bytes, file, 1);
+    const bool isKept =
+        cause != ChangeCause::trashed && !newest.empty() && hasBytesOf(newest.front(), entry) &&
+        // An entry near its end would go soon after the text that it is to save.
+        entry.time - newest.front().time < _limits.age / 2 && _texts.holds(entry.hash, bytes);
+    if (!isKept) {
+        return add(*index, entry, bytes, Durability::now);
+    }
+    if (entry.time - newest.front().time >= kernelDelay) {
+        return Done{};
+    }
+    auto synced = _texts.sync(entry.hash);
+    return synced ? _tools.changes.sync(indexFile()) : synced;
+}
+
+Result<Done> History::keepNew(const std::string& file, std::string_view bytes, ChangeCause cause) {
+    const auto lock = _tools.locks.take(_folder);
+    if (!lock) {
+        return lock.failure();
+    }
+    const auto index = readIndex();
+    return index ? add(*index, entryOf(file, bytes, cause), bytes, Durability::later)
+                 : index.failure();
+}
+
+// The text comes first, so that no entry is without one.
+Result<Done> History::add(const FileContents& index, const HistoryEntry& entry,
+                          std::string_view bytes, Durability durability) {
+    if (auto put = _texts.put(entry.hash, bytes, durability); !put) {
+        return put;
+    }
+    const std::string line = std::string(endOfTornLine(index.bytes)) + lineOf(entry);
+    auto appended = _tools.changes.append(indexFile(), line, durability);
+    if (appended && isPruningDue(index.bytes, entry, _limits)) {
+        prune(entry);
+    }
+    return appended;
+}
+
+void History::prune(const HistoryEntry& newest) {
+    const auto index = readIndex();
+    if (!index) {
+        return;
+    }
+    const std::string left = pruned(index->bytes, _limits, newest.time, newest.path);
+    if (left == index->bytes || _tools.changes.replace(indexFile(), *index, left)) {
+        // What cannot be removed now is found again by the next pruning.
+        [[maybe_unused]] const auto ignored = removeUnnamed(left);
+    }
+}
+
+Result<Done> History::removeUnnamed(std::string_view index) {
+    std::unordered_set<std::string> named;
+    for (HistoryEntry& entry : newestFirst(index)) {
+        named.insert(std::move(entry.hash));
+    }
+    if (auto kept = _texts.keepOnly(named); !kept) {
+        return kept;
+    }
+    const auto names = _tools.files.list(_folder);
+    if (!names) {
+        return names.failure().kind == Failure::Kind::notFound ? Result<Done>(Done{})
+                                                               : names.failure();
+    }
+    for (const ports::FolderEntry& entry : *names) {
+        if (!base::nameOfTemporary(entry.name)) {
+            continue;
+        }
+        if (auto removed = _tools.changes.remove(joined(_folder, entry.name)); !removed) {
+            return removed;
+        }
+    }
+    return Done{};
+}
+
+Result<std::vector<HistoryEntry>> History::entries(const std::optional<std::string>& file) const {
+    const auto index = readIndex();
+    if (!index) {
+        return index.failure();
+    }
+    return file ? newestOf(index->bytes, *file, index->bytes.size()) : newestFirst(index->bytes);
+}
+
+Result<HistoryEntry> History::find(std::string_view prefix) const {
+    const auto wanted = prefixOfHash(prefix);
+    if (!wanted) {
+        return Failure{Failure::Kind::malformed,
+                       std::string(prefix) + ": " +
+                           base::tr("is not the beginning of a text's hash (four digits or more)")};
+    }
+    const auto all = entries();
+    if (!all) {
+        return all.failure();
+    }
+    const HistoryEntry* found = nullptr;
+    for (const HistoryEntry& entry : *all) {
+        if (!entry.hash.starts_with(*wanted)) {
+            continue;
+        }
+        if (found != nullptr && found->hash != entry.hash) {
+            return Failure{Failure::Kind::malformed,
+                           std::string(prefix) + ": " + base::tr("several texts begin so")};
+        }
+        found = found == nullptr ? &entry : found;
+    }
+    if (found == nullptr) {
+        return Failure{Failure::Kind::notFound,
+                       std::string(prefix) + ": " + base::tr("there is no such text")};
+    }
+    return *found;
+}
+
+Result<std::string> History::text(const HistoryEntry& entry) const {
+    return _texts.read(entry.hash);
+}
+
+Result<std::size_t> History::clear(const std::optional<std::string>& file) {
+    const auto lock = _tools.locks.take(_folder);
+    if (!lock) {
+        return lock.failure();
+    }
+    const auto index = readIndex();
+    if (!index) {
+        return index.failure();
+    }
+    std::string left;
+    std::size_t gone = 0;
+    for (const std::string_view line : linesOf(index->bytes)) {
+        const auto entry = entryOfLine(line.substr(0, line.size() - 1));
+        const bool goes = !file || (entry && entry->path == *file);
+        gone += entry && goes ? 1 : 0;
+        left += goes ? "" : line;
+    }
+    if (left != index->bytes) {
+        if (const auto done = _tools.changes.replace(indexFile(), *index, left); !done) {
+            return done.failure();
+        }
+    }
+    if (const auto removed = removeUnnamed(left); !removed) {
+        return removed.failure();
+    }
+    return gone;
+}
+
+}  // namespace tessaly::store

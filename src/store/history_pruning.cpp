@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "store/history_pruning.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "store/history_index.h"
+
+namespace tessaly::store {
+namespace {
+
+auto dayOf(base::Instant time) {
+    return std::chrono::floor<std::chrono::days>(time);
+}
+
+struct Line {
+    std::string_view text;
+    std::optional<HistoryEntry> entry;
+    bool isSpared = false;
+};
+
+std::vector<Line> youngLines(std::string_view index, base::Instant oldest) {
+    std::vector<Line> lines;
+    for (const std::string_view text : linesOf(index)) {
+        auto entry = entryOfLine(text.substr(0, text.size() - 1));
+        if (!entry || entry->time >= oldest) {
+            lines.push_back({text, std::move(entry)});
+        }
+    }
+    return lines;
+}
+
+void spareLastTwo(std::vector<Line>& lines, std::string_view path) {
+    int spared = 0;
+    for (auto line = lines.rbegin(); line != lines.rend() && spared < 2; ++line) {
+        if (line->entry && line->entry->path == path) {
+            line->isSpared = true;
+            ++spared;
+        }
+    }
+}
+
+/// What a list of lines takes on the disk.
+class Room {
+public:
+    explicit Room(const std::vector<Line>& lines) {
+        for (const Line& line : lines) {
+            _indexBytes += line.text.size();
+            if (line.entry && _uses[line.entry->hash]++ == 0) {
+                _textBytes += line.entry->bytes;
+            }
+        }
+    }
+
+    std::uint64_t indexBytes() const { return _indexBytes; }
+    std::uint64_t textBytes() const { return _textBytes; }
+
+    void drop(const Line& line) {
+        _indexBytes -= line.text.size();
+        if (line.entry && --_uses[line.entry->hash] == 0) {
+            _textBytes -= line.entry->bytes;
+        }
+    }
+
+private:
+    std::uint64_t _indexBytes = 0;
+    std::uint64_t _textBytes = 0;
+    std::unordered_map<std::string_view, std::size_t> _uses;
+};
+
+}  // namespace
+
+bool isPruningDue(std::string_view index, const HistoryEntry& entry, const HistoryLimits& limits) {
+    if (index.size() > limits.indexBytes) {
+        return true;
+    }
+    std::uint64_t bytesOfDay = 0;
+    bool isFirst = true;
+    bool isFirstOfDay = false;
+    for (std::size_t end = index.rfind('\n') + 1; end > 0;) {
+        const std::size_t start = startOfLine(index, end);
+        const auto earlier = entryOfLine(index.substr(start, end - 1 - start));
+        end = start;
+        if (earlier && dayOf(earlier->time) < dayOf(entry.time)) {
+            isFirstOfDay = isFirst;
+            break;
+        }
+        if (earlier) {
+            isFirst = false;
+            bytesOfDay += earlier->bytes;
+        }
+    }
+    return isFirstOfDay || bytesOfDay / limits.step != (bytesOfDay + entry.bytes) / limits.step;
+}
+
+std::string pruned(std::string_view index, const HistoryLimits& limits, base::Instant now,
+                   std::string_view changing) {
+    std::vector<Line> lines = youngLines(index, now - limits.age);
+    spareLastTwo(lines, changing);
+    Room room(lines);
+    const std::uint64_t mostText = limits.bytes - std::min(limits.bytes, limits.step);
+    const std::uint64_t mostIndex = limits.indexBytes / 4 * 3;
+    std::string left;
+    left.reserve(index.size());
+    for (const Line& line : lines) {
+        const bool isTooMuch =
+            room.indexBytes() > mostIndex || (line.entry && room.textBytes() > mostText);
+        if (isTooMuch && !line.isSpared) {
+            room.drop(line);
+        } else {
+            left += line.text;
+        }
+    }
+    return left;
+}
+
+}  // namespace tessaly::store
