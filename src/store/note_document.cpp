@@ -39,4 +39,36 @@ std::optional<std::string> NoteDocument::dataOfType(DocumentError& error) const 
     return _hasByteOrderMark ? std::string(base::byteOrderMark) + *noteContent : *noteContent;
 }
 
+namespace {
+
+base::Result<std::string> bytesOf(const NoteDocument& document) {
+    DocumentError error;
+    auto bytes = document.dataOfType(error);
+    return bytes ? base::Result<std::string>(std::move(*bytes))
+                 : base::Failure{base::Failure::Kind::malformed, error.message};
+}
+
+}  // namespace
+
+base::Result<std::optional<std::string>> editedBytes(std::string_view bytes, const TextEdit& edit) {
+    NoteDocument document;
+    document.readFromData(bytes);
+    if (!document.noteContent) {
+        return bytesOf(document).failure();
+    }
+    auto text = edit(*document.noteContent);
+    if (!text || !*text) {
+        return text;
+    }
+    document.noteContent = **std::move(text);
+    auto edited = bytesOf(document);
+    return edited ? base::Result<std::optional<std::string>>(*std::move(edited)) : edited.failure();
+}
+
+base::Result<std::string> bytesOfText(std::string_view text) {
+    NoteDocument document;
+    document.noteContent = text;
+    return bytesOf(document);
+}
+
 }  // namespace tessaly::store

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,5 +42,17 @@ public:
 private:
     bool _hasByteOrderMark = false;
 };
+
+/// A change of a note's text: the new one, nothing when it needs no change, or why it cannot be
+/// made.
+using TextEdit = std::function<base::Result<std::optional<std::string>>(std::string_view content)>;
+
+/// The bytes of a note file after `edit` of its text; nothing when that changes nothing. Failures:
+/// the edit's own, and what `NoteDocument` raises, as `malformed`: bytes that are not UTF-8 are not
+/// edited ("Content empty").
+base::Result<std::optional<std::string>> editedBytes(std::string_view bytes, const TextEdit& edit);
+
+/// The bytes of a new note file; `malformed` as above.
+base::Result<std::string> bytesOfText(std::string_view text);
 
 }  // namespace tessaly::store

@@ -25,10 +25,15 @@ store::DataStore::Roots roots(std::string data, ports::DropboxAuthorised dropbox
             .dataFolder = std::move(dataFolder)};
 }
 
+store::DataStore::Tools tools(StoreFixture& fixture) {
+    return {fixture.files,         fixture.changes, fixture.safeFiles,
+            StoreFixture::noTrash, fixture.clock,   fixture.executor};
+}
+
 }  // namespace
 
 TEST_CASE("the root is chosen at each look-up") {
-    platform::PosixFileSystem files;
+    StoreFixture fixture;
     bool linked = false;
     int asked = 0;
     std::optional<std::string> container = "/cloud";
@@ -36,7 +41,8 @@ TEST_CASE("the root is chosen at each look-up") {
         ++asked;
         return container;
     };
-    const store::DataStore store(files, roots("/home/me/share", [&] { return linked; }, cloud, {}));
+    const store::DataStore store(tools(fixture),
+                                 roots("/home/me/share", [&] { return linked; }, cloud, {}));
 
     CHECK(store.folder(NoteType::note) == "/cloud/Documents/Notes");
     CHECK(store.localFolder(NoteType::trash) == "/home/me/share/org.example/.Trash");
@@ -55,7 +61,7 @@ TEST_CASE("the root is chosen at each look-up") {
 TEST_CASE("a new name collides with none in the folder") {
     StoreFixture fixture;
     for (const char* name : {"Plans.txt", "Plans 2.txt", "plans 3.TXT", "Plans 5.txt", "Ideas.md",
-                             "Caf\xC3\xA9.txt", "STRASSE.txt", "Filter"}) {
+                             "Caf\xC3\xA9.txt", "STRASSE.txt", "Filter", "Far.txt.nextcloud"}) {
         fixture.folder.write("data/Notes/" + std::string(name), "");
     }
     fixture.folder.mkdir("data/Notes/Sub.txt");
@@ -76,6 +82,7 @@ TEST_CASE("a new name collides with none in the folder") {
         "e 2");
     row("Sub", "txt", "Sub 2");
     row("Filter", "", "Filter 2");
+    row("Far", "txt", "Far 2");
 
     const std::string full(251, 'a');
     fixture.folder.write("data/Notes/" + full + ".txt", "");
@@ -173,8 +180,7 @@ TEST_CASE("a new note is written whole, once, and its folder is made") {
     }
     log.clear();
 
-    const std::string nowhere = "/proc/none";
-    store::DataStore unwritable(fixture.files, roots({}, {}, {}, nowhere));
+    store::DataStore unwritable(tools(fixture), roots({}, {}, {}, "/proc/none"));
     CHECK_FALSE(unwritable.createNote(NoteType::note, "First.txt", "").ok());
     REQUIRE(log.lines().size() == 1);
     CHECK(
@@ -197,18 +203,18 @@ TEST_CASE("folders are made where nothing is") {
 }
 
 TEST_CASE("the local folder is looked for, and a failure is told") {
-    tests::TempFolder folder;
-    platform::PosixFileSystem files;
+    StoreFixture fixture;
     LogCapture log;
-    const auto exists = [&](const std::string& data) {
-        return store::DataStore(files, roots(data, {}, {}, {})).localFolderExists();
+    const auto exists = [&](const char* data) {
+        return store::DataStore(tools(fixture), roots(fixture.folder / data, {}, {}, {}))
+            .localFolderExists();
     };
-    CHECK_FALSE(exists(folder / "share"));
-    folder.mkdir("share/org.example");
-    CHECK(exists(folder / "share"));
+    CHECK_FALSE(exists("share"));
+    fixture.folder.mkdir("share/org.example");
+    CHECK(exists("share"));
     CHECK(log.lines().empty());
-    folder.link("loop", "loop");
-    CHECK_FALSE(exists(folder / "loop"));
+    fixture.folder.link("loop", "loop");
+    CHECK_FALSE(exists("loop"));
     REQUIRE(log.lines().size() == 1);
     CHECK(log.lines()[0].starts_with("error in localFolderExists(): "));
 }
