@@ -59,14 +59,14 @@ void makeProleptic(icu::SimpleDateFormat& format) {
 /// and kept.
 class Formatters {
 public:
-    explicit Formatters(const std::string& name) : _locale(localeNamed(name)) {
-        UErrorCode status = U_ZERO_ERROR;
-        _patterns.reset(icu::DateTimePatternGenerator::createInstance(_locale, status));
-    }
+    explicit Formatters(const std::string& name) : _locale(localeNamed(name)) {}
 
     /// The locale's pattern for a skeleton; empty without ICU's data.
     icu::UnicodeString pattern(std::string_view skeleton) {
         UErrorCode status = U_ZERO_ERROR;
+        if (!_patterns) {
+            _patterns.reset(icu::DateTimePatternGenerator::createInstance(_locale, status));
+        }
         return _patterns ? _patterns->getBestPattern(unicodeOf(skeleton), status)
                          : icu::UnicodeString();
     }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "base/sha256.h"
 
-#include <memory>
-
 #include <glib.h>
+#include <memory>
 
 namespace tessaly::base {
 

@@ -150,7 +150,7 @@ template <class Change>
 base::Result<Done> JsonUserDefaults::change(Change apply) {
     const std::scoped_lock lock(_mutex);
     const std::string folder = folderOf(_file);
-    if (auto made = _files.makeFolders(folder); !made) {
+    if (auto made = _changes.makeFolders(folder); !made) {
         return made;
     }
     const FileDescriptor folderLock = lockFolder(folder);

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "ports/user_defaults.h"
 
@@ -38,6 +39,7 @@ private:
 
     const std::string _file;
     PosixFileSystem _files;
+    PosixFileChanges _changes;
     std::mutex _mutex;
     std::unique_ptr<State> _state;  ///< what was read last; guarded by `_mutex`
 };

@@ -13,7 +13,6 @@
 #include <sys/stat.h>
 
 #include "base/localisation.h"
-#include "platform/atomic_file.h"
 #include "platform/errno_failure.h"
 #include "platform/file_descriptor.h"
 #include "platform/file_reader.h"
@@ -74,18 +73,6 @@ FolderEntry::Kind kindOfEntry(int folder, const dirent& entry) {
 
 bool isDots(std::string_view name) {
     return name == "." || name == "..";
-}
-
-std::string parentOf(const std::string& path) {
-    const auto slash = path.find_last_of('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
-
-/// So that a power cut does not take the new folder, and with it the notes written there.
-void syncFolder(const std::string& folder) {
-    if (const FileDescriptor fd = open(folder, folderFlags)) {
-        ::fsync(fd.get());
-    }
 }
 
 int readEntry(int folder, const FolderEntry& entry, FileReader& reader,
@@ -193,36 +180,6 @@ base::Result<std::string> PosixFileSystem::resolve(const std::string& path) {
         return errnoFailure(errno, path);
     }
     return std::string(real.get());
-}
-
-base::Result<Done> PosixFileSystem::makeFolders(const std::string& folder) {
-    if (const auto kind = kindOf(folder); kind && *kind == FolderEntry::Kind::folder) {
-        return Done{};
-    } else if (kind) {
-        return errnoFailure(ENOTDIR, folder, Failure::Kind::exists);
-    } else if (kind.failure().kind != Failure::Kind::notFound) {
-        return kind.failure();
-    }
-    const std::string above = parentOf(folder);
-    if (auto made = makeFolders(above); !made) {
-        return made;
-    }
-    if (::mkdir(folder.c_str(), 0700) != 0) {
-        // Another process may have been quicker; anything else of that name stands in the way.
-        const int error = errno;
-        struct stat status;
-        const bool there = ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-        return there ? base::Result<Done>(Done{}) : errnoFailure(error, folder);
-    }
-    syncFolder(above);
-    return Done{};
-}
-
-base::Result<Done> PosixFileSystem::create(const std::string& file, std::string_view bytes) {
-    if (holdsNul(file)) {
-        return nulFailure(file);
-    }
-    return writeNewFile(file, bytes);
 }
 
 }  // namespace tessaly::platform

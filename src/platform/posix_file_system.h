@@ -18,8 +18,6 @@ public:
                                       const ports::FileSink& sink) override;
     base::Result<ports::FolderEntry::Kind> kindOf(const std::string& path) override;
     base::Result<std::string> resolve(const std::string& path) override;
-    base::Result<base::Done> makeFolders(const std::string& folder) override;
-    base::Result<base::Done> create(const std::string& file, std::string_view bytes) override;
 };
 
 }  // namespace tessaly::platform

@@ -15,40 +15,14 @@
 #include <sys/stat.h>
 
 #include "ports/file_system.h"
+#include "support/failure_kind.h"
 #include "support/temp_folder.h"
+#include "support/without_rights.h"
 
 namespace tessaly::tests {
 
 using base::Failure;
 using ports::FolderEntry;
-
-/// Acts as a user without rights for as long as it lives, so that root too meets refusals.
-class WithoutRights {
-public:
-    explicit WithoutRights(const TempFolder& folder) : _wasRoot(::geteuid() == 0) {
-        ::chmod(folder.path().c_str(), 0755);
-        _effective = !_wasRoot || ::seteuid(65534) == 0;
-    }
-    ~WithoutRights() {
-        if (_wasRoot && ::seteuid(0) != 0) {
-            std::abort();
-        }
-    }
-    WithoutRights(const WithoutRights&) = delete;
-    WithoutRights& operator=(const WithoutRights&) = delete;
-
-    bool effective() const { return _effective; }
-
-private:
-    bool _wasRoot;
-    bool _effective = false;
-};
-
-/// Nothing: it was done.
-template <class T>
-std::optional<Failure::Kind> failureKind(const base::Result<T>& result) {
-    return result ? std::nullopt : std::optional{result.failure().kind};
-}
 
 /// A folder with one of everything that may stand where a file is expected.
 struct OddThings {
@@ -262,59 +236,6 @@ inline void checkStamps(ports::FileSystem& files) {
     CHECK(stamp() != dated);
 }
 
-inline void checkCreating(ports::FileSystem& files) {
-    const OddThings things;
-    const TempFolder& folder = things.folder;
-    const auto before = folder.names();
-    for (const char* name : {"note", "folder", "pipe", "toNote", "toNothing", "loop"}) {
-        CAPTURE(name);
-        CHECK(failureKind(files.create(folder / name, "new")) == Failure::Kind::exists);
-    }
-    CHECK(failureKind(files.create(folder / "missing/note", "new")) == Failure::Kind::notFound);
-    CHECK(files.create(folder / "note/below", "new").ok() == false);
-    CHECK(files.create(folder / std::string(256, 'n'), "new").ok() == false);
-    CHECK(folder.names() == before);
-    CHECK(folder.read("note") == "text");
-
-    // 85 characters of three bytes each: the name of the file that is written first is shorter.
-    std::string longest;
-    for (int i = 0; i < 85; ++i) {
-        longest += "\u20ac";
-    }
-    const std::string binary("a\0b\n\xff", 5);
-    for (const std::string& name : {std::string("new"), std::string(255, 'n'), longest}) {
-        CAPTURE(name);
-        REQUIRE(files.create(folder / name, binary));
-        CHECK(folder.read(name) == binary);
-    }
-    CHECK(folder.names().size() == before.size() + 3);
-}
-
-inline void checkMakingFolders(ports::FileSystem& files) {
-    const OddThings things;
-    const TempFolder& folder = things.folder;
-    ::chmod((folder / "folder").c_str(), 0755);
-    CHECK(files.makeFolders(folder / "folder/a/b"));
-    CHECK(files.makeFolders(folder / "folder/a/b/"));
-    CHECK(files.makeFolders(folder / "toFolder/a/c"));
-    CHECK(folder.names("folder/a") == std::vector<std::string>{"b", "c"});
-    struct stat status {};
-    struct Row {
-        const char* name;
-        unsigned mode;
-    };
-    for (const Row& row :
-         std::initializer_list<Row>{{"folder", 0755}, {"folder/a", 0700}, {"folder/a/b", 0700}}) {
-        CAPTURE(row.name);
-        REQUIRE(::stat((folder / row.name).c_str(), &status) == 0);
-        CHECK((status.st_mode & 07777U) == row.mode);
-    }
-    for (const char* name : {"note", "note/below", "toNothing", "toNothing/below", "pipe"}) {
-        CAPTURE(name);
-        CHECK(!files.makeFolders(folder / name).ok());
-    }
-}
-
 inline void checkRefusals(ports::FileSystem& files) {
     const TempFolder folder;
     const std::string secret = folder.write("open/secret", "text");
@@ -333,8 +254,6 @@ inline void checkRefusals(ports::FileSystem& files) {
         CHECK(failureKind(files.read(folder / "closed/note")) == denied);
         CHECK(failureKind(files.kindOf(folder / "closed/note")) == denied);
         CHECK(failureKind(files.list(folder / "closed")) == denied);
-        CHECK(failureKind(files.create(folder / "open/new", "x")) == denied);
-        CHECK(failureKind(files.makeFolders(folder / "open/new")) == denied);
         CHECK(toldOf(files, folder / "open", {{"secret", FolderEntry::Kind::file}}) ==
               std::vector<Told>{{"", denied, 0}});
     }
@@ -362,12 +281,6 @@ inline void checkFileSystem(const std::function<std::unique_ptr<ports::FileSyste
     }
     SUBCASE("stamps tell states apart") {
         checkStamps(*files);
-    }
-    SUBCASE("create replaces nothing and leaves nothing else") {
-        checkCreating(*files);
-    }
-    SUBCASE("makeFolders makes what is missing") {
-        checkMakingFolders(*files);
     }
     SUBCASE("what is not allowed is denied") {
         checkRefusals(*files);
