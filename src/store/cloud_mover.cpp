@@ -162,7 +162,8 @@ base::Result<std::string> CloudMover::moveUnderFreeName(const std::string& from,
             ++counter;
             continue;
         }
-        const auto moved = _tools.safeFiles.move(_cloud, from, joined(folder, candidate));
+        const auto moved =
+            _tools.safeFiles.move({_local, from}, {_cloud, joined(folder, candidate)});
         if (moved) {
             return candidate;
         }

@@ -29,7 +29,8 @@ public:
     /// files to cloud: ", and stays.
     FolderTree tree() const;
 
-    /// Whether the cloud folder lies in the local one, so that moving would never end.
+    /// Whether the cloud folder is the local one, where a file would be taken for its own double,
+    /// or lies in it, so that moving would never end.
     bool isCloudInLocal() const;
 
     /// Moves a file, given by its relative path, and returns the one it has there. Logs failures.

@@ -161,8 +161,8 @@ public:
     /// relative path; when that is taken, under a unique name with the same extension (a second
     /// calendar note becomes a stray of its day). A file that is there already with the same bytes
     /// is not doubled: the local one is removed, its bytes in the history. Returns the name that it
-    /// has there, relative to the kind's folder. Moves under the cloud folder's lock, removes under
-    /// the local one's. Failures are logged: "Could not create the iCloud Drive directories" or
+    /// has there, relative to the kind's folder. Moves under both folders' locks, removes under the
+    /// local one's. Failures are logged: "Could not create the iCloud Drive directories" or
     /// "Could not push file from local to iCloud Drive, error = ".
     base::Result<std::string> pushToCloudDrive(base::NoteType type, std::string_view filename);
 

@@ -17,6 +17,11 @@ Failure noCloudDrive() {
     return {Failure::Kind::unavailable, base::tr("there is no cloud drive")};
 }
 
+Failure cloudInLocal(const std::string& cloud) {
+    return {Failure::Kind::outside,
+            cloud + ": " + base::tr("lies in the folder that is to be moved")};
+}
+
 MoveReport nothingMoved(Failure failure) {
     MoveReport report;
     report.failed.push_back(
@@ -50,6 +55,9 @@ base::Result<std::string> DataStore::pushToCloudDrive(base::NoteType type,
     }
     const std::string folder(base::folderName(type));
     const CloudMover mover(_tools, localRoot(), *cloud);
+    if (mover.isCloudInLocal()) {
+        return logged(notPushed, cloudInLocal(*cloud));
+    }
     const auto moved = _files.sync([&] { return mover.move(joined(folder, filename)); });
     return moved ? base::Result<std::string>(moved->substr(folder.size() + 1)) : moved;
 }
@@ -61,12 +69,11 @@ MoveReport DataStore::moveAllToCloudDrive(const MoveOptions& options) {
     }
     const CloudMover mover(_tools, localRoot(), *cloud);
     if (mover.isCloudInLocal()) {
-        return nothingMoved({Failure::Kind::outside,
-                             *cloud + ": " + base::tr("lies in the folder that is to be moved")});
+        return nothingMoved(cloudInLocal(*cloud));
     }
     FolderTree tree = _files.sync([&] {
         // What cannot be settled now lies there as a temporary file, and is told of as such.
-        static_cast<void>(_tools.safeFiles.settle(localRoot()));
+        static_cast<void>(_tools.safeFiles.settle(localRoot(), SafeFiles::Settle::always));
         return mover.tree();
     });
     MoveReport report;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <unordered_set>
 
 #include "base/localisation.h"
 #include "base/sha256.h"
@@ -121,7 +120,10 @@ void History::prune(const HistoryEntry& newest) {
     if (!index) {
         return;
     }
-    const std::string left = pruned(index->bytes, _limits, newest.time, newest.path);
+    // The clock may be ahead, be it by mistake or for a trial: the disk's dates are another
+    // witness.
+    const base::Instant now = std::min(newest.time, index->stamp.modified);
+    const std::string left = pruned(index->bytes, _limits, now, newest.path);
     if (left == index->bytes || _tools.changes.replace(indexFile(), *index, left)) {
         // What cannot be removed now is found again by the next pruning.
         [[maybe_unused]] const auto ignored = removeUnnamed(left);
@@ -129,11 +131,7 @@ void History::prune(const HistoryEntry& newest) {
 }
 
 Result<Done> History::removeUnnamed(std::string_view index) {
-    std::unordered_set<std::string> named;
-    for (HistoryEntry& entry : newestFirst(index)) {
-        named.insert(std::move(entry.hash));
-    }
-    if (auto kept = _texts.keepOnly(named); !kept) {
+    if (auto kept = _texts.keepOnly(hashesIn(index)); !kept) {
         return kept;
     }
     const auto names = _tools.files.list(_folder);

@@ -141,6 +141,19 @@ std::vector<std::string_view> linesOf(std::string_view index) {
     return lines;
 }
 
+std::unordered_set<std::string> hashesIn(std::string_view index) {
+    std::unordered_set<std::string> hashes;
+    for (std::string_view line : linesOf(index)) {
+        line.remove_suffix(1);
+        while (!line.empty()) {
+            if (const std::string_view field = takeField(line); isHash(field)) {
+                hashes.emplace(field);
+            }
+        }
+    }
+    return hashes;
+}
+
 std::vector<HistoryEntry> newestOf(std::string_view index, std::string_view path,
                                    std::size_t count) {
     const std::string ending = "\t" + escaped(path) + "\n";

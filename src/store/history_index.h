@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "store/history_entry.h"
@@ -29,6 +30,10 @@ std::size_t startOfLine(std::string_view index, std::size_t end);
 /// The lines of an index, oldest first, each with its line break. A torn one at the end is left
 /// out.
 std::vector<std::string_view> linesOf(std::string_view index);
+
+/// The hashes that stand in an index, also in lines that are not understood: a later version's
+/// lines name texts too.
+std::unordered_set<std::string> hashesIn(std::string_view index);
 
 /// At most `count` entries of the file `path`, newest first. Searches from the end, without
 /// reading the lines of other files.

@@ -22,11 +22,15 @@ struct Line {
     bool isSpared = false;
 };
 
-std::vector<Line> youngLines(std::string_view index, base::Instant oldest) {
+/// An entry is no older than those before it, whatever the clock said, unless that was ahead.
+std::vector<Line> youngLines(std::string_view index, base::Instant now, std::chrono::days age) {
     std::vector<Line> lines;
+    bool isYoung = false;
     for (const std::string_view text : linesOf(index)) {
         auto entry = entryOfLine(text.substr(0, text.size() - 1));
-        if (!entry || entry->time >= oldest) {
+        const bool isOfNow = entry && entry->time >= now - age;
+        isYoung = isYoung || (isOfNow && entry->time <= now);
+        if (!entry || isOfNow || isYoung) {
             lines.push_back({text, std::move(entry)});
         }
     }
@@ -98,7 +102,7 @@ bool isPruningDue(std::string_view index, const HistoryEntry& entry, const Histo
 
 std::string pruned(std::string_view index, const HistoryLimits& limits, base::Instant now,
                    std::string_view changing) {
-    std::vector<Line> lines = youngLines(index, now - limits.age);
+    std::vector<Line> lines = youngLines(index, now, limits.age);
     spareLastTwo(lines, changing);
     Room room(lines);
     const std::uint64_t mostText = limits.bytes - std::min(limits.bytes, limits.step);

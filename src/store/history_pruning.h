@@ -14,9 +14,10 @@ namespace tessaly::store {
 /// long.
 bool isPruningDue(std::string_view index, const HistoryEntry& entry, const HistoryLimits& limits);
 
-/// What is left of an index: no entries that are too old, and of the others the newest, for as long
-/// as their texts leave room for a step. For the sake of a change that is being made, the last two
-/// entries of the file `changing` do not go for want of room. Lines that are not understood stay.
+/// What is left of an index: no entries that are too old (those behind a young one are not), and of
+/// the others the newest, for as long as their texts leave room for a step. For the sake of a
+/// change that is being made, the last two entries of the file `changing` do not go for want of
+/// room. Lines that are not understood stay.
 std::string pruned(std::string_view index, const HistoryLimits& limits, base::Instant now,
                    std::string_view changing);
 

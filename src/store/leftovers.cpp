@@ -65,12 +65,19 @@ Result<Done> Leftovers::settle(const std::string& folder, Depth depth) {
         const std::string path = joined(folder, entry.name);
         if (entry.kind == Kind::folder && depth == Depth::tree && !entry.name.starts_with('.')) {
             failure.add(settle(path, depth));
-        } else if (const auto target = base::nameOfTemporary(entry.name);
-                   target && entry.kind == Kind::file) {
-            failure.add(settleFile(path, joined(folder, *target)));
+        } else if (const auto target = base::nameOfTemporary(entry.name)) {
+            failure.add(settleEntry(entry.kind, path, joined(folder, *target)));
         }
     }
     return failure.result();
+}
+
+Result<Done> Leftovers::settleEntry(Kind kind, const std::string& path, const std::string& target) {
+    if (kind == Kind::link) {
+        // Of a removal of a link, which holds no text of its own.
+        return _tools.changes.remove(path);
+    }
+    return kind == Kind::file ? settleFile(path, target) : Done{};
 }
 
 Result<Done> Leftovers::settleFile(const std::string& file, const std::string& target) {

@@ -12,7 +12,8 @@
 namespace tessaly::store {
 
 /// What writes that did not end have left in temporary files. Their bytes go into the history, as a
-/// text of the file that they were meant for, unless it knows them; then they go. Whoever settles a
+/// text of the file that they were meant for, unless it knows them; then they go, and so do links
+/// that are left. Whoever settles a
 /// folder holds the lock of its data folder, so that no write is on its way. Goes on where one
 /// cannot be settled; the failure is the first.
 class Leftovers {
@@ -37,6 +38,8 @@ public:
 private:
     enum class Depth { folder, tree };
     base::Result<base::Done> settle(const std::string& folder, Depth depth);
+    base::Result<base::Done> settleEntry(ports::FolderEntry::Kind kind, const std::string& path,
+                                         const std::string& target);
     base::Result<base::Done> settleFile(const std::string& file, const std::string& target);
     bool isKnown(const std::string& target, std::string_view bytes) const;
 

@@ -22,9 +22,9 @@ struct LineHunk {
     bool operator==(const LineHunk&) const = default;
 };
 
-/// What must be replaced in `from` to have `to`: hunks in order, with at least one equal line between
-/// them. Short where texts are alike; its cost stays near linear where they are not, at the price of
-/// larger hunks.
+/// What must be replaced in `from` to have `to`: hunks in order, with at least one equal line
+/// between them. Short where texts are alike; its cost stays near linear where they are not, at the
+/// price of larger hunks.
 std::vector<LineHunk> diffLines(std::span<const std::string_view> from,
                                 std::span<const std::string_view> to);
 

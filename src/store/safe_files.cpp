@@ -163,20 +163,33 @@ Result<Done> SafeFiles::remove(const std::string& root, const std::string& file,
     });
 }
 
-Result<Done> SafeFiles::move(const std::string& root, const std::string& from,
-                             const std::string& to) {
-    return during<Done>(_tools, root, [&](ChangeSession& session) {
-        for (const std::string* file : {&from, &to}) {
-            if (auto begun = session.begin(parentOf(*file)); !begun) {
-                return begun;
-            }
+Result<Done> SafeFiles::move(const Place& from, const Place& to) {
+    const auto moveBetween = [&](ChangeSession& source, ChangeSession& target) {
+        if (auto begun = source.begin(parentOf(from.file)); !begun) {
+            return begun;
         }
-        return session.noted(_tools.changes.move(from, to));
+        if (auto begun = target.begin(parentOf(to.file)); !begun) {
+            return begun;
+        }
+        return source.noted(target.noted(_tools.changes.move(from.file, to.file)));
+    };
+    if (from.root == to.root) {
+        return during<Done>(_tools, to.root,
+                            [&](ChangeSession& only) { return moveBetween(only, only); });
+    }
+    // In one order always, so that no two processes wait for each other.
+    const bool isSourceFirst = from.root < to.root;
+    const Place& first = isSourceFirst ? from : to;
+    const Place& second = isSourceFirst ? to : from;
+    return during<Done>(_tools, first.root, [&](ChangeSession& outer) {
+        return during<Done>(_tools, second.root, [&](ChangeSession& inner) {
+            return isSourceFirst ? moveBetween(outer, inner) : moveBetween(inner, outer);
+        });
     });
 }
 
-Result<Done> SafeFiles::settle(const std::string& root) {
-    if (!_tools.locks.isUnfinished(root)) {
+Result<Done> SafeFiles::settle(const std::string& root, Settle when) {
+    if (when == Settle::whenSomebodyDied && !_tools.locks.isUnfinished(root)) {
         return Done{};
     }
     auto lock = _tools.locks.take(root);

@@ -56,14 +56,29 @@ public:
     base::Result<base::Done> remove(const std::string& root, const std::string& file,
                                     const std::string* expected = nullptr);
 
-    /// Moves a file, below `root` or into it. Failure `exists`: there is something at `to`.
+    /// Moves a file within a data folder. Failure `exists`: there is something at `to`.
     base::Result<base::Done> move(const std::string& root, const std::string& from,
-                                  const std::string& to);
+                                  const std::string& to) {
+        return move({root, from}, {root, to});
+    }
+
+    /// A file and the data folder that it lies in.
+    struct Place {
+        std::string root;
+        std::string file;
+    };
+
+    /// As above, from one data folder into another, under the locks of both.
+    base::Result<base::Done> move(const Place& from, const Place& to);
+
+    enum class Settle { whenSomebodyDied, always };
 
     /// Settles what a process that died in the middle of a change below `root` left behind: the
     /// bytes of temporary files go into the history unless it knows them, then the files go.
-    /// Does nothing, and takes no lock, when nobody died.
-    base::Result<base::Done> settle(const std::string& root);
+    /// Takes no lock when it is known that nobody died; `always` looks also when nobody has looked
+    /// since the machine came up.
+    base::Result<base::Done> settle(const std::string& root,
+                                    Settle when = Settle::whenSomebodyDied);
 
 private:
     Tools _tools;

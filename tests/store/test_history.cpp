@@ -248,13 +248,16 @@ TEST_CASE_FIXTURE(Fixture, "history: forgetting takes the texts that nothing nam
     REQUIRE(history.keepOld("/f", "shared"));
     REQUIRE(history.keepOld("/f", "only f"));
     REQUIRE(history.keepOld("/g", "shared"));
-    folder.write("history/index", folder.read("history/index") + "from a later version\n");
+    REQUIRE(history.keepOld("/h", "of a later version"));
+    std::string index = folder.read("history/index");
+    index.replace(index.rfind("found"), 5, "later");
+    folder.write("history/index", index);
     folder.write("history/.~index.abcdefgh~", "torn");
     CHECK(history.clear("/f").value() == 2);
     CHECK(textsOf("/g") == Texts{"shared"});
-    CHECK(storedTexts() == hashesOf({"shared"}));
+    CHECK(storedTexts() == hashesOf({"shared", "of a later version"}));
     CHECK(folder.names("history") == Texts{"index", "texts"});
-    CHECK(folder.read("history/index").ends_with("from a later version\n"));
+    CHECK(folder.read("history/index").ends_with("/h\n"));
     CHECK(history.clear("/f").value() == 0);
     CHECK(history.clear().value() == 1);
     CHECK(history.entries().value().empty());
@@ -278,7 +281,8 @@ TEST_CASE("history: the old go, and the oldest of the rest until there is room")
     const Row rows[] = {
         {"all fit", {{3, "a", 200}, {2, "b", 200}, {1, "c", 100}}, "abc"},
         {"too old", {{91, "a", 1}, {90, "b", 1}, {0, "c", 1}}, "bc"},
-        {"clock went back", {{1, "a", 1}, {95, "b", 1}, {0, "c", 1}}, "ac"},
+        {"clock went back", {{1, "a", 1}, {95, "b", 1}, {0, "c", 1}}, "abc"},
+        {"clock went ahead", {{-9, "a", 1}, {95, "b", 1}, {0, "c", 1}}, "ac"},
         {"oldest first", {{3, "a", 200}, {2, "b", 300}, {1, "c", 1}}, "bc"},
         {"one text counts once", {{3, "a", 300}, {2, "a", 300}, {1, "b", 200}}, "aab"},
         {"it goes with its last entry",
@@ -350,6 +354,16 @@ TEST_CASE_FIXTURE(Fixture,
     CHECK(textsOf("/f").empty());
     CHECK(textsOf("/b").empty());
     CHECK(textsOf("/c") == Texts{big[2]});
+}
+
+TEST_CASE_FIXTURE(Fixture, "history: a clock that is ahead makes nothing old") {
+    REQUIRE(history.keepOld("/f", "ours"));
+    const auto today = files.read(folder / "history/index")->stamp.modified;
+    clock.time = today;
+    REQUIRE(history.keepOld("/f", "today's"));
+    clock.time = today + days{4000};
+    REQUIRE(history.keepOld("/g", "theirs"));
+    CHECK(textsOf("/f") == Texts{"today's"});
 }
 
 TEST_CASE_FIXTURE(Fixture, "history: kept means kept, whatever fails or dies on the way") {
