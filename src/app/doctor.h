@@ -19,10 +19,10 @@ struct Finding {
 };
 
 /// Where everything lies, what is missing, unreadable or doubtful: the data folder and how it was
-/// chosen, settings that cannot be read, numbers of notes, files that are not UTF-8, calendar files
-/// that name no day, conflict copies, names that are not UTF-8, files and links passed over and
-/// why, the steps of start-up that have no meaning here. Of each kind the first twenty and how
-/// many more there are. Reads; changes nothing.
+/// chosen, settings that cannot be read, numbers of notes, files that are not UTF-8, stray calendar
+/// files and others that name no day, conflict copies, temporary files that were left behind, names
+/// that are not UTF-8, files and links passed over and why, the steps of start-up that have no
+/// meaning here. Of each kind the first twenty and how many more there are. Reads; changes nothing.
 std::vector<Finding> examine(Services& services, store::NoteReader::Options options = {});
 
 }  // namespace tessaly::app

@@ -10,6 +10,7 @@
 #include "base/localisation.h"
 #include "store/note_document.h"
 #include "store/note_names.h"
+#include "store/stray_notes.h"
 
 namespace tessaly::app {
 namespace {
@@ -17,21 +18,21 @@ namespace {
 using Level = Finding::Level;
 
 /// What may be wrong with a note, in the order in which it is told.
-enum Doubt : std::size_t { notUtf8, stray, conflictCopy, doubts };
+enum Doubt : std::size_t { notUtf8, stray, noDay, doubts };
 
 /// What one worker has seen.
 struct Seen {
     std::size_t calendarNotes = 0;
     std::size_t generalNotes = 0;
-    std::array<std::vector<std::string>, doubts> paths;
+    std::array<std::vector<Finding>, doubts> findings;
 
     void add(const store::NoteFile& file);
     void join(Seen&& other);
 };
 
-bool isConflictCopy(std::string_view filename) {
-    return filename.find("conflicted copy") != std::string_view::npos ||
-           filename.find(".sync-conflict-") != std::string_view::npos;
+std::string strayText(base::Day day) {
+    return fmt::format(fmt::runtime(base::tr("Belongs to {0} by its name, but is not shown there")),
+                       base::tagText(day));
 }
 
 void Seen::add(const store::NoteFile& file) {
@@ -40,12 +41,18 @@ void Seen::add(const store::NoteFile& file) {
     const std::string path =
         std::string{base::folderName(file.type)}.append("/").append(file.filename);
     if (!store::decodedText(file.bytes)) {
-        paths[notUtf8].push_back(path);
+        findings[notUtf8].push_back(
+            {Level::warning, "notUtf8", base::tr("Not UTF-8; it is read as an empty note"), path});
     }
-    if (isConflictCopy(file.filename)) {
-        paths[conflictCopy].push_back(path);
-    } else if (isCalendar && !store::dayOfCalendarFilename(file.filename)) {
-        paths[stray].push_back(path);
+    if (!isCalendar || store::dayOfCalendarFilename(file.filename)) {
+        return;
+    }
+    if (const auto day = store::dayOfStray(file.filename)) {
+        findings[stray].push_back({Level::note, "stray", strayText(*day), path});
+    } else {
+        findings[noDay].push_back(
+            {Level::note, "noDay",
+             base::tr("Lies among the calendar notes, but its name is no day"), path});
     }
 }
 
@@ -53,8 +60,8 @@ void Seen::join(Seen&& other) {
     calendarNotes += other.calendarNotes;
     generalNotes += other.generalNotes;
     for (std::size_t doubt = 0; doubt < doubts; ++doubt) {
-        std::move(other.paths[doubt].begin(), other.paths[doubt].end(),
-                  std::back_inserter(paths[doubt]));
+        std::move(other.findings[doubt].begin(), other.findings[doubt].end(),
+                  std::back_inserter(findings[doubt]));
     }
 }
 
@@ -69,24 +76,34 @@ void tellCounts(const Seen& seen, const base::LocaleFormats& formats, Findings& 
                   {}});
 }
 
-void tellDoubts(Seen& seen, Findings& findings) {
-    const struct {
-        Level level;
-        const char* what;
-        std::string text;
-    } rows[doubts] = {
-        {Level::warning, "notUtf8", base::tr("Not UTF-8; it is read as an empty note")},
-        {Level::note, "stray", base::tr("Lies among the calendar notes, but its name is no day")},
-        {Level::note, "conflictCopy", base::tr("Looks like one of two versions of a note")},
-    };
-    for (std::size_t doubt = 0; doubt < doubts; ++doubt) {
-        std::vector<Finding> kind;
-        for (std::string& path : seen.paths[doubt]) {
-            kind.push_back(
-                {rows[doubt].level, rows[doubt].what, rows[doubt].text, std::move(path)});
-        }
-        findings.addKind(std::move(kind));
+std::string conflictText(const store::ConflictCopy& copy) {
+    std::string text;
+    if (copy.device.empty()) {
+        text = base::tr("Another version of {0}, set aside by {1}");
+    } else if (copy.deviceOf == store::DeviceOf::copy) {
+        text = base::tr("Another version of {0}, set aside by {1}; it is from {2}");
+    } else {
+        text = base::tr("Another version of {0}, set aside by {1}; the current one is from {2}");
     }
+    return fmt::format(fmt::runtime(text), copy.original, copy.client, copy.device);
+}
+
+void tellConflictCopies(const store::ReadReport& report, Findings& findings) {
+    std::vector<Finding> kind;
+    for (const store::ConflictCopy& copy : report.conflictCopies) {
+        kind.push_back({Level::note, "conflictCopy", conflictText(copy), copy.path});
+    }
+    findings.addKind(std::move(kind));
+}
+
+void tellTemporaries(const store::ReadReport& report, Findings& findings) {
+    std::vector<Finding> kind;
+    for (const std::string& path : report.temporaries) {
+        kind.push_back(
+            {Level::note, "temporary",
+             base::tr("Left by a write that was interrupted; the next change settles it"), path});
+    }
+    findings.addKind(std::move(kind));
 }
 
 // A note is passed over as malformed for its name alone; its bytes may be anything.
@@ -130,7 +147,11 @@ void examineNotes(Services& services, store::NoteReader::Options options, Findin
         all.join(std::move(seen));
     }
     tellCounts(all, services.dateStrings().formats(), findings);
-    tellDoubts(all, findings);
+    for (std::vector<Finding>& kind : all.findings) {
+        findings.addKind(std::move(kind));
+    }
+    tellConflictCopies(report, findings);
+    tellTemporaries(report, findings);
     tellSkipped(report, findings);
 }
 

@@ -12,6 +12,7 @@
 #include "base/normalise.h"
 #include "base/utf8.h"
 #include "grammar/note_title.h"
+#include "store/foreign_names.h"
 #include "store/note_document.h"
 #include "store/note_names.h"
 
@@ -59,9 +60,16 @@ std::vector<std::string> filenamesOf(std::string_view name) {
     return {whole, whole + ".txt", whole + ".md"};
 }
 
+// A note's name, or one that a sync client made of it, which may have put its mark behind the
+// extension.
+bool isNamedLikeNote(std::string_view name) {
+    const auto copy = store::conflictName(name);
+    return store::isNoteFilename(name) || (copy && store::isNoteFilename(copy->original));
+}
+
 bool isNote(store::DataStore& dataStore, base::NoteType type, const std::string& filename) {
     const auto slash = filename.rfind('/');
-    if (!store::isNoteFilename(std::string_view{filename}.substr(slash + 1))) {
+    if (!isNamedLikeNote(std::string_view{filename}.substr(slash + 1))) {
         return false;
     }
     const auto path = dataStore.pathOf(type, filename);

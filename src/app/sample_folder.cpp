@@ -4,14 +4,16 @@
 #include <algorithm>
 
 #include "app/sample_notes.h"
+#include "store/foreign_names.h"
 #include "store/note_names.h"
 
 namespace tessaly::app {
 namespace {
 
 bool isOurs(const ports::FolderEntry& entry) {
+    const auto notDownloaded = store::nameOfPlaceholder(entry.name);
     return base::noteTypeOfFolder(entry.name) != base::NoteType::none ||
-           store::isNoteFilename(entry.name);
+           store::isNoteFilename(notDownloaded.value_or(entry.name));
 }
 
 }  // namespace

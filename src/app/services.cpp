@@ -21,11 +21,29 @@ settings::Globals& Services::globals() {
 store::DataStore& Services::dataStore() {
     if (!_dataStore) {
         _dataStore = std::make_unique<store::DataStore>(
-            _ports.files,
+            store::DataStore::Tools{_ports.files, _ports.changes, safeFiles(), _ports.trash,
+                                    _ports.clock, _ports.executor},
             store::DataStore::Roots{_ports.folders, bundleIdentifier, _ports.dropboxAuthorised,
                                     _ports.cloudContainer, _ports.dataFolder});
     }
     return *_dataStore;
+}
+
+store::History& Services::history() {
+    if (!_history) {
+        _history = std::make_unique<store::History>(
+            store::History::Tools{_ports.files, _ports.changes, _ports.locks, _ports.clock},
+            _ports.folders.state + "/history");
+    }
+    return *_history;
+}
+
+store::SafeFiles& Services::safeFiles() {
+    if (!_safeFiles) {
+        _safeFiles = std::make_unique<store::SafeFiles>(
+            store::SafeFiles::Tools{_ports.files, _ports.changes, _ports.locks, history()});
+    }
+    return *_safeFiles;
 }
 
 const grammar::DateStringHelper& Services::dateStrings() {

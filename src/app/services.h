@@ -10,13 +10,19 @@
 #include "grammar/date_string_helper.h"
 #include "ports/clock.h"
 #include "ports/cloud_container.h"
+#include "ports/file_changes.h"
 #include "ports/file_system.h"
+#include "ports/folder_locks.h"
+#include "ports/questions.h"
 #include "ports/standard_folders.h"
+#include "ports/trash.h"
 #include "ports/user_defaults.h"
 #include "ports/user_locale.h"
 #include "settings/globals.h"
 #include "store/data_store.h"
+#include "store/history.h"
 #include "store/note_model.h"
+#include "store/safe_files.h"
 
 namespace tessaly::app {
 
@@ -25,6 +31,8 @@ inline constexpr char bundleIdentifier[] = "org.tessaly.tessaly";
 /// The outside world as one program sees it. Everything outlives `Services`.
 struct Ports {
     ports::FileSystem& files;
+    ports::FileChanges& changes;
+    ports::FolderLocks& locks;
     ports::UserDefaults& standardDefaults;
     ports::UserDefaults& groupDefaults;
     ports::Clock& clock;
@@ -33,6 +41,8 @@ struct Ports {
     ports::UserLocale locale;
     ports::DropboxAuthorised dropboxAuthorised;
     ports::CloudContainer cloudContainer;
+    ports::Trash trash;
+    ports::Questions questions;
     std::optional<std::string> dataFolder;  ///< named by the user on the command line
 };
 
@@ -46,6 +56,8 @@ public:
     const Ports& ports() const { return _ports; }
     settings::Globals& globals();
     store::DataStore& dataStore();
+    store::History& history();
+    store::SafeFiles& safeFiles();
     const grammar::DateStringHelper& dateStrings();
 
     /// Whether the settings name a cloud drive that cannot be used now, so that the notes shown are
@@ -61,6 +73,8 @@ public:
 private:
     Ports _ports;
     std::unique_ptr<settings::Globals> _globals;
+    std::unique_ptr<store::History> _history;
+    std::unique_ptr<store::SafeFiles> _safeFiles;
     std::unique_ptr<store::DataStore> _dataStore;
     std::unique_ptr<grammar::DateStringHelper> _dateStrings;
 };

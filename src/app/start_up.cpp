@@ -79,6 +79,10 @@ std::vector<StepResult> startUp(Services& services, const UsageLog& usage) {
     return results;
 }
 
+base::Result<base::Done> settleUnfinished(Services& services) {
+    return services.safeFiles().settle(services.dataStore().root());
+}
+
 std::vector<StepResult> stepsWithoutMeaning() {
     std::vector<StepResult> results;
     for (const StepRow& row : steps) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <sstream>
+#include <system_error>
 
 namespace tessaly::tests {
 
@@ -10,7 +11,10 @@ Planner::Planner(const User& user)
     : _defaults(_folder / settingsFile),
       _groupDefaults(_folder / "config/group.json"),
       _clock(platform::parseTime(user.now).value()),
+      _locks(_folder / "locks"),
       _services({_files,
+                 _changes,
+                 _locks,
                  _defaults,
                  _groupDefaults,
                  _clock,
@@ -19,7 +23,25 @@ Planner::Planner(const User& user)
                  {user.locale, ""},
                  [dropbox = user.dropbox] { return dropbox; },
                  [container = user.cloudContainer] { return container; },
+                 user.trash,
+                 [this, answer = user.answer](const ports::Question& question) {
+                     _questions.push_back(question);
+                     return question.buttons.empty() ? std::nullopt : answer;
+                 },
                  user.dataFolder}) {}
+
+base::Result<base::Done> Planner::intoFakeTrash(const std::string& file) {
+    std::error_code error;
+    if (std::filesystem::remove(file, error)) {
+        return base::Done{};
+    }
+    return base::Failure{base::Failure::Kind::notFound, file};
+}
+
+std::string Planner::textOf(std::string_view filename) const {
+    const std::string name = std::string{root}.append(filename);
+    return _folder.exists(name) ? _folder.read(name) : "-";
+}
 
 void Planner::write(std::string_view notes) {
     constexpr std::string_view opener = "-- ";

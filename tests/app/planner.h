@@ -5,11 +5,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/services.h"
 #include "base/thread_pool.h"
 #include "platform/fixed_clock.h"
+#include "platform/flock_folder_locks.h"
 #include "platform/json_user_defaults.h"
+#include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "support/log_capture.h"
 #include "support/temp_folder.h"
@@ -25,7 +28,12 @@ public:
         bool dropbox = false;
         std::optional<std::string> cloudContainer = std::nullopt;
         std::optional<std::string> dataFolder = std::nullopt;
+        ports::Trash trash = [](const std::string& file) { return intoFakeTrash(file); };
+        std::optional<std::size_t> answer = std::nullopt;  ///< to every question
     };
+
+    /// A trash that swallows files, since not every file system has one.
+    static base::Result<base::Done> intoFakeTrash(const std::string& file);
 
     Planner() : Planner(User{}) {}
     explicit Planner(const User& user);
@@ -43,6 +51,12 @@ public:
     const TempFolder& folder() const { return _folder; }
     app::Services& services() { return _services; }
 
+    /// What a file of the local data folder holds; "-" where there is none.
+    std::string textOf(std::string_view filename) const;
+
+    /// What the user was asked or told, in order.
+    const std::vector<ports::Question>& questions() const { return _questions; }
+
     /// Every file below the folder and what it holds; folders end in "/",
     /// links hold where they lead.
     std::map<std::string, std::string> everything() const;
@@ -50,10 +64,13 @@ public:
 private:
     LogCapture _log;  // keeps diagnostics out of the tests' output
     TempFolder _folder;
+    std::vector<ports::Question> _questions;
     platform::PosixFileSystem _files;
+    platform::PosixFileChanges _changes;
     platform::JsonUserDefaults _defaults;
     platform::JsonUserDefaults _groupDefaults;
     platform::FixedClock _clock;
+    platform::FlockFolderLocks _locks;
     base::ThreadPool _pool{3};
     app::Services _services;
 };

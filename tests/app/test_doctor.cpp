@@ -40,6 +40,14 @@ std::string textOf(const std::vector<app::Finding>& findings, std::string_view w
     return "none";
 }
 
+std::string textsOf(const std::vector<app::Finding>& findings, std::string_view what) {
+    std::string texts;
+    for (const app::Finding& finding : findings) {
+        texts += finding.what == what ? finding.text + "\n" : "";
+    }
+    return texts;
+}
+
 }  // namespace
 
 TEST_CASE("doubtful files are found, each as what it is, and nothing changes") {
@@ -47,9 +55,17 @@ TEST_CASE("doubtful files are found, each as what it is, and nothing changes") {
     planner.write(
         "-- Calendar/20190305.txt\n* Fine\n"
         "-- Calendar/2019-3-5.txt\n* Stray\n"
+        "-- Calendar/20190305 2.txt\n* Stray\n"
+        "-- Calendar/Ideas.txt\n* No day\n"
         "-- Calendar/old/20190305.txt\n* Below\n"
         "-- Calendar/20190305.sync-conflict-20190306-101010-ABCDEFG.txt\n* Conflict\n"
+        "-- Calendar/20190306.sync-conflict-20190306-101010-ABCDEFG.txt\n* Without its note\n"
+        "-- Notes/Plans.md\n# Plans\n"
         "-- Notes/Plans (Ann's conflicted copy 2019-03-05).md\n# Plans\n"
+        "-- Notes/Plans (conflicted).md\n# Plans\n"
+        "-- Notes/Gone (conflicted).md\n# Without its note\n"
+        "-- Notes/Cloudy.txt.nextcloud\n \n"
+        "-- Notes/.~Plans.md.k3jx90ab~\n# Plan\n"
         "-- Notes/Latin.txt\ncaf\xe9\n"
         "-- Notes/Na\xefve.txt\n# Name\n"
         "-- Notes/.hidden.txt\nHidden\n"
@@ -66,14 +82,26 @@ TEST_CASE("doubtful files are found, each as what it is, and nothing changes") {
           "  notes\n"
           "! notUtf8 Notes/Latin.txt\n"
           "- stray Calendar/2019-3-5.txt\n"
-          "- stray Calendar/old/20190305.txt\n"
+          "- stray Calendar/20190305 2.txt\n"
+          "- noDay Calendar/20190306.sync-conflict-20190306-101010-ABCDEFG.txt\n"
+          "- noDay Calendar/Ideas.txt\n"
+          "- noDay Calendar/old/20190305.txt\n"
           "- conflictCopy Calendar/20190305.sync-conflict-20190306-101010-ABCDEFG.txt\n"
           "- conflictCopy Notes/Plans (Ann's conflicted copy 2019-03-05).md\n"
+          "- conflictCopy Notes/Plans (conflicted).md\n"
+          "- temporary Notes/.~Plans.md.k3jx90ab~\n"
           "! nameNotUtf8 Notes/Na\xef\xbf\xbdve.txt\n"
+          "! skipped Notes/Cloudy.txt.nextcloud\n"
           "! skipped Notes/Nowhere.txt\n"
           "! skipped Notes/Outside.txt\n");
     const auto findings = app::examine(planner.services());
-    CHECK(textOf(findings, "notes") == "Calendar notes: 4. Other notes: 2.");
+    CHECK(textOf(findings, "notes") == "Calendar notes: 6. Other notes: 3.");
+    CHECK(textOf(findings, "stray") == "Belongs to 2019-03-05 by its name, but is not shown there");
+    CHECK(textsOf(findings, "conflictCopy") ==
+          "Another version of Calendar/20190305.txt, set aside by Syncthing; "
+          "the current one is from ABCDEFG\n"
+          "Another version of Notes/Plans.md, set aside by Dropbox; it is from Ann\n"
+          "Another version of Notes/Plans.md, set aside by pCloud\n");
     CHECK(textOf(findings, "settingValue").find("sortBy") != std::string::npos);
     CHECK(planner.everything() == before);
 }
@@ -145,7 +173,7 @@ TEST_CASE("of many findings of a kind the first twenty are told, then their numb
             planner.write("-- Calendar/stray" + std::to_string(i) + ".txt\n");
         }
         auto findings = app::examine(planner.services());
-        std::erase_if(findings, [](const app::Finding& f) { return f.what != "stray"; });
+        std::erase_if(findings, [](const app::Finding& f) { return f.what != "noDay"; });
         REQUIRE(findings.size() == row.findings);
         CHECK(findings.back().text.starts_with(row.last));
     }

@@ -65,6 +65,10 @@ constexpr const char* notes =
     "# Plans\n"
     "-- Notes/Work/Budget.txt\n"
     "## Budget 2019\n"
+    "-- Notes/Work/Budget (conflicted).txt\n"
+    "## Budget 2019\n"
+    "-- Notes/Work/Budget.txt.conflict1\n"
+    "## Budget 2019\n"
     "-- Notes/Work/v1.2.txt\n"
     "Version\n"
     "-- Notes/Caf\xc3\xa9.txt\n"
@@ -112,6 +116,8 @@ const AddressRow addressRows[] = {
     {"work/budget.TXT", "Notes/Work/Budget.txt"},
     {"Cafe\xcc\x81", "Notes/Caf\xc3\xa9.txt"},
     {"Latin", "Notes/Latin.txt"},
+    {"Work/Budget (conflicted)", "Notes/Work/Budget (conflicted).txt"},
+    {"Work/Budget.txt.conflict1", "Notes/Work/Budget.txt.conflict1"},
     // Titles.
     {"Budget 2019", "Notes/Work/Budget.txt"},
     {"  budget 2019", "Notes/Work/Budget.txt"},

@@ -45,6 +45,8 @@ TEST_CASE("only a folder without anything of ours gets sample notes, and but onc
         {"a sync client's folder", ".stfolder/", 5},
         {"a note in its folder", "Notes/Plans.txt", 0},
         {"a note beside the folders", "Plans.md", 0},
+        {"a note that is not downloaded", "Plans.md.nextcloud", 0},
+        {"a photo that is not downloaded", "photo.png.nextcloud", 5},
         {"an empty folder of ours", "Calendar/", 0},
         {"trash alone", ".Trash/old.txt", 0},
         {"a file where the data folder should be", "/", 0},
