@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -22,6 +23,27 @@ Failure misuse(std::string text) {
     return {Failure::Kind::malformed, std::move(text)};
 }
 
+/// The library takes a word such as "[a,b]" apart as a list. A mark before the bracket keeps the
+/// word whole; a word that begins with the mark itself gets another.
+constexpr char guard = '\x01';
+
+std::string guarded(std::string_view word) {
+    const bool isInDanger = word.starts_with('[') || word.starts_with(guard);
+    return (isInDanger ? std::string{guard} : std::string{}).append(word);
+}
+
+std::string unguarded(std::string word) {
+    return word.starts_with(guard) ? word.substr(1) : word;
+}
+
+std::vector<std::string> guardedWords(int argc, const char* const* argv) {
+    std::vector<std::string> words;
+    for (int index = argc - 1; index > 0; --index) {  // the library wants them from behind
+        words.push_back(guarded(argv[index]));
+    }
+    return words;
+}
+
 /// The parser for our table of verbs. Values land in `invocation`.
 class Parser {
 public:
@@ -38,9 +60,15 @@ public:
         }
     }
 
+    /// The verb that was named; null before parsing.
+    const VerbRow* verb() const {
+        const auto named = _app.get_subcommands();
+        return named.empty() ? nullptr : findVerb(named.front()->get_name());
+    }
+
     base::Result<Invocation> parse(int argc, const char* const* argv) {
         try {
-            _app.parse(argc, argv);
+            _app.parse(guardedWords(argc, argv));
         } catch (const CLI::ExtrasError&) {
             return unexpected(_app.remaining(true).front());
         } catch (const CLI::ArgumentMismatch& error) {
@@ -82,11 +110,16 @@ private:
     }
 
     Failure unexpected(const std::string& word) const {
-        const std::string shown = safeText(word);
+        const std::string shown = safeText(unguarded(word));
         if (word.starts_with('-')) {
-            return misuse(fmt::format(fmt::runtime(tr("unknown option {}")), shown));
+            const bool takesWords = verb() != nullptr && verb()->most > 0;
+            return misuse(fmt::format(
+                fmt::runtime(takesWords ? tr("unknown option {}; a word that begins with - goes "
+                                             "behind --")
+                                        : tr("unknown option {}")),
+                shown));
         }
-        if (!_app.get_subcommands().empty()) {
+        if (verb() != nullptr) {
             return misuse(fmt::format(fmt::runtime(tr("unexpected argument “{}”")), shown));
         }
         const VerbRow* near = nearestVerb(word);
@@ -102,7 +135,7 @@ private:
             return std::nullopt;
         }
         const auto text = _globals.texts.find(name);
-        return text == _globals.texts.end() ? std::string{} : text->second;
+        return text == _globals.texts.end() ? std::string{} : unguarded(text->second);
     }
 
     base::Result<Invocation> finished() {
@@ -119,9 +152,10 @@ private:
         if (!readColor(global("--color").value_or("auto"), invocation.color)) {
             return misuse(tr("--color is auto, always or never"));
         }
-        if (!_app.get_subcommands().empty()) {
-            invocation.verb = findVerb(_app.get_subcommands().front()->get_name());
-            invocation.arguments = _arguments;
+        invocation.verb = verb();
+        if (invocation.verb != nullptr) {
+            std::transform(_arguments.begin(), _arguments.end(),
+                           std::back_inserter(invocation.arguments), unguarded);
             return finishedVerb(std::move(invocation));
         }
         return invocation;
@@ -148,7 +182,11 @@ private:
             }
             ofGroup = row.group != 0 ? &row : ofGroup;
             const auto text = values.texts.find(row.name);
-            invocation.options[row.name] = text == values.texts.end() ? "" : text->second;
+            std::string& value = invocation.options[row.name];
+            value = text == values.texts.end() ? std::string{} : unguarded(text->second);
+            if (value.empty() && row.completion == Completion::note) {
+                return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), row.name));
+            }
         }
         if (invocation.help || invocation.version) {
             return invocation;
@@ -173,6 +211,12 @@ private:
 
 base::Result<Invocation> parseCommandLine(int argc, const char* const* argv) {
     return Parser{}.parse(argc, argv);
+}
+
+const VerbRow* verbIn(int argc, const char* const* argv) {
+    Parser parser;
+    (void)parser.parse(argc, argv);
+    return parser.verb();
 }
 
 const VerbRow* nearestVerb(std::string_view word) {

@@ -36,6 +36,9 @@ struct Invocation {
 /// Failure: misuse, told in the user's words.
 base::Result<Invocation> parseCommandLine(int argc, const char* const* argv);
 
+/// The verb that is named, also where all else is misuse; null when none is.
+const VerbRow* verbIn(int argc, const char* const* argv);
+
 /// The verb whose name is spelt most like `word`; null when none is near.
 const VerbRow* nearestVerb(std::string_view word);
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "base/localisation.h"
+#include "cli/safe_text.h"
 
 namespace tessaly::cli {
 
@@ -20,6 +21,14 @@ store::NoteReader::Options Context::readOptions() {
 void complain(std::string_view text) {
     const std::string line = fmt::format("tessaly: {}\n", text);
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+Exit couldNot(Context& context, const base::Failure& failure) {
+    context.progress.erase();
+    if (failure.kind != base::Failure::Kind::cancelled) {
+        complain(safeText(failure.description));
+    }
+    return Exit::couldNot;
 }
 
 void tellOfSkipped(const Context& context) {

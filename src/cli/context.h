@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "app/services.h"
+#include "base/failure.h"
 #include "cli/command_line.h"
 #include "cli/output.h"
 #include "cli/progress.h"
@@ -29,6 +30,9 @@ struct Context {
 
 /// Prints a line to standard error, as the program's: "tessaly: " and what is wrong.
 void complain(std::string_view text);
+
+/// Complains of a failure in its own words; of a cancelled one, not at all.
+Exit couldNot(Context& context, const base::Failure& failure);
 
 /// Tells in one line that files were passed over, if there were any.
 void tellOfSkipped(const Context& context);

@@ -17,11 +17,15 @@
 #include "base/thread_pool.h"
 #include "cli/command_line.h"
 #include "cli/context.h"
+#include "cli/questions.h"
 #include "cli/read_input.h"
 #include "cli/run.h"
 #include "platform/fixed_clock.h"
+#include "platform/flock_folder_locks.h"
 #include "platform/folder_cloud_container.h"
+#include "platform/gio_trash.h"
 #include "platform/json_user_defaults.h"
+#include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "platform/system_clock.h"
 #include "platform/system_locale.h"
@@ -95,19 +99,21 @@ cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& lo
                   cli::Output& out) {
     auto clock = makeClock(invocation);
     if (!clock) {
-        return cli::refuse(clock.failure());
+        return cli::refuse(clock.failure(), nullptr);
     }
     const ports::StandardFolders folders = platform::xdgFolders("tessaly");
     platform::PosixFileSystem files;
+    platform::PosixFileChanges changes;
+    platform::FlockFolderLocks locks{platform::lockFolderOfUser(folders.cache)};
     platform::JsonUserDefaults standardDefaults{folders.config + "/settings.json"};
     platform::JsonUserDefaults groupDefaults{folders.config + "/group.json"};
     base::ThreadPool pool{poolThreads()};
     app::Services* shared = nullptr;  // what the cloud drive asks for its folder
-    app::Services services{{files, standardDefaults, groupDefaults, **clock, pool, folders, locale,
-                            [] { return false; }, platform::folderCloudContainer([&shared] {
-                                return shared->globals().cloudDriveContainer();
-                            }),
-                            dataFolder(invocation)}};
+    app::Services services{{files, changes, locks, standardDefaults, groupDefaults, **clock, pool,
+                            folders, locale, [] { return false; },
+                            platform::folderCloudContainer(
+                                [&shared] { return shared->globals().cloudDriveContainer(); }),
+                            platform::gioTrash(), cli::askAtTerminal, dataFolder(invocation)}};
     shared = &services;
     services.globals();  // made here, since any thread may ask for the cloud drive's folder
     return cli::run(services, invocation, out, interrupted);
@@ -135,7 +141,7 @@ int main(int argc, char** argv) {
     cli::Output out{STDOUT_FILENO};
     const auto invocation = cli::parseCommandLine(argc, argv);
     if (!invocation) {
-        return static_cast<int>(cli::refuse(invocation.failure()));
+        return static_cast<int>(cli::refuse(invocation.failure(), cli::verbIn(argc, argv)));
     }
     const cli::Exit exit = runGuarded(*invocation, locale, out);
     if (interrupted) {  // so that a script that started us ends too

@@ -33,8 +33,10 @@ std::string sentences(std::string_view text) {
         lines[at + 1] = '\n';
     }
     lines = wrapped(roff(lines), 0, sourceColumns);
-    const std::size_t gap = lines.find("\n\n");
-    return gap == std::string::npos ? lines : lines.replace(gap, 2, "\n.Pp\n");
+    for (std::size_t gap = 0; (gap = lines.find("\n\n", gap)) != std::string::npos;) {
+        lines.replace(gap, 2, "\n.Pp\n");
+    }
+    return lines;
 }
 
 /// What an option or an example is for, as a sentence.
@@ -51,19 +53,22 @@ std::string flag(const OptionRow& row) {
                                    : fmt::format("Fl {} Ar {}", name, row.argument);
 }
 
-/// "Op Ar DATE" of "[DATE]"; words in lower case are typed as they stand.
-std::string arguments(std::string_view synopsis) {
-    if (synopsis.empty()) {
-        return {};
+/// "Ar NOTE" of "NOTE", "Oo Ar NOTE Oc" of "[NOTE]"; a word in lower case is typed as it stands.
+std::string argument(std::string_view word) {
+    if (word == "|") {
+        return " |";
     }
-    const bool isOptional = synopsis.starts_with('[');
-    const std::string_view bare = isOptional ? synopsis.substr(1, synopsis.size() - 2) : synopsis;
-    std::string macros = isOptional ? " Op" : "";
-    for (std::size_t start = 0; start < bare.size();) {
-        const std::size_t end = std::min(bare.find(' ', start), bare.size());
-        const std::string_view word = bare.substr(start, end - start);
-        const char* macro = word == "|" ? "" : word.front() >= 'a' ? "Cm " : "Ar ";
-        macros += fmt::format(" {}{}", macro, word);
+    if (word.starts_with('[')) {
+        return fmt::format(" Oo{} Oc", argument(word.substr(1, word.size() - 2)));
+    }
+    return fmt::format(" {} {}", word.front() >= 'a' ? "Cm" : "Ar", word);
+}
+
+std::string arguments(std::string_view synopsis) {
+    std::string macros;
+    for (std::size_t start = 0; start < synopsis.size();) {
+        const std::size_t end = std::min(synopsis.find(' ', start), synopsis.size());
+        macros += argument(synopsis.substr(start, end - start));
         start = end + 1;
     }
     return macros;
@@ -151,8 +156,10 @@ says otherwise.
 The language of messages and the form of dates.
 .It Ev TZ
 The time zone.
-.It Ev XDG_DATA_HOME , Ev XDG_CONFIG_HOME
-Where the data folder and the settings lie.
+.It Ev XDG_DATA_HOME , Ev XDG_CONFIG_HOME , Ev XDG_STATE_HOME
+Where the data folder, the settings and the history lie.
+.It Ev XDG_RUNTIME_DIR , Ev XDG_CACHE_HOME
+Where locks lie.
 .El
 .Sh FILES
 .Bl -tag -width Ds
@@ -167,6 +174,10 @@ general notes in
 .Pa Notes .
 .It Pa ~/.config/tessaly/
 The settings.
+.It Pa ~/.local/state/tessaly/history/
+The texts that notes held before they were changed, and
+.Pa index ,
+which names them.
 .El
 .Sh EXIT STATUS
 .Bl -tag -width Ds

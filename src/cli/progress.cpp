@@ -27,7 +27,7 @@ Progress::~Progress() {
     erase();
 }
 
-void Progress::tell(std::size_t files) {
+void Progress::tell(std::size_t files, Work work) {
     if (!_isTerminal) {
         return;
     }
@@ -38,7 +38,9 @@ void Progress::tell(std::size_t files) {
     }
     _isShown = true;
     const std::string number = _formats.number(static_cast<long long>(files));
-    std::fputs(fmt::format("\r{} {}\x1b[K", base::tr("Reading notes…"), number).c_str(), stderr);
+    const std::string what =
+        work == Work::reading ? base::tr("Reading notes…") : base::tr("Moving notes…");
+    std::fputs(fmt::format("\r{} {}\x1b[K", what, number).c_str(), stderr);
 }
 
 void Progress::erase() {

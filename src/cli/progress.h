@@ -9,6 +9,9 @@
 
 namespace tessaly::cli {
 
+/// What the line says of the work in hand.
+enum class Work { reading, moving };
+
 /// "Reading notes… 12,345" on standard error, when that is a terminal and the work has taken a
 /// while. Any thread may tell of progress; one call at a time draws, the others return at once.
 class Progress {
@@ -18,7 +21,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    void tell(std::size_t files);
+    void tell(std::size_t files, Work work = Work::reading);
     /// Takes the line away, once all work is done.
     void erase();
 

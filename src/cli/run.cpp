@@ -57,6 +57,15 @@ void welcome(app::Services& services) {
     }
 }
 
+/// Left-over writes, of a run that was killed, do not keep the user from anything.
+void settle(app::Services& services, const Invocation& invocation) {
+    const bool needsDataFolder =
+        invocation.verb == nullptr || invocation.verb->needs == Needs::dataFolder;
+    if (needsDataFolder && !invocation.has("--dry-run")) {
+        (void)app::settleUnfinished(services);  // a verb that is hindered by the cause tells it
+    }
+}
+
 void tellOfDamagedSettings(const Context& context) {
     const bool isReported = context.invocation.verb == findVerb("doctor");
     if (!isReported && context.services.ports().standardDefaults.problem()) {
@@ -66,7 +75,9 @@ void tellOfDamagedSettings(const Context& context) {
 }
 
 void tellOfMissingCloudDrive(const Context& context) {
-    if (context.invocation.verb != findVerb("doctor") && context.services.isCloudDriveMissing()) {
+    const VerbRow* verb = context.invocation.verb;
+    const bool isReported = verb == findVerb("doctor") || verb == findVerb("migrate");
+    if (!isReported && context.services.isCloudDriveMissing()) {
         complain(fmt::format(
             fmt::runtime(tr("the cloud drive's folder cannot be used now, so these are the local "
                             "notes: {}")),
@@ -74,19 +85,30 @@ void tellOfMissingCloudDrive(const Context& context) {
     }
 }
 
+void pointToHelp(const VerbRow* verb) {
+    const std::string command = verb == nullptr ? "tessaly" : fmt::format("tessaly {}", verb->name);
+    complain(fmt::format(fmt::runtime(tr("{} --help tells what there is.")), command));
+}
+
 Exit runVerb(Context& context) {
-    if (context.invocation.verb != nullptr) {
-        return context.invocation.verb->run(context);
+    const VerbRow* verb = context.invocation.verb;
+    if (verb == nullptr) {
+        welcome(context.services);
+        return runToday(context);
     }
-    welcome(context.services);
-    return runToday(context);
+    const Exit exit = verb->run(context);
+    if (exit == Exit::misuse) {
+        pointToHelp(verb);
+    }
+    return exit;
 }
 
 Exit printDocument(const std::string& name, Output& out) {
     const auto document = documentNamed(name);
     if (!document) {
         return refuse({base::Failure::Kind::malformed,
-                       "--dump: man, completion-bash, completion-zsh, completion-fish"});
+                       "--dump: man, completion-bash, completion-zsh, completion-fish"},
+                      nullptr);
     }
     out.write(*document);
     return Exit::done;
@@ -118,6 +140,7 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     }
     const app::UsageLog usage;  // off: a sink is for those who want to know
     app::startUp(services, usage);
+    settle(services, invocation);
     const Terminal terminal = describeStandardOutput(invocation.color);
     Progress progress{base::LocaleFormats{services.ports().locale.formats}};
     Context context{services, invocation, out, terminal, progress, cancelled};
@@ -132,9 +155,9 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     return exit;
 }
 
-Exit refuse(const base::Failure& misuse) {
+Exit refuse(const base::Failure& misuse, const VerbRow* verb) {
     complain(misuse.description);
-    complain(tr("tessaly --help tells what there is."));
+    pointToHelp(verb);
     return Exit::misuse;
 }
 

@@ -19,8 +19,8 @@ std::optional<Exit> runWithoutServices(const Invocation& invocation, Output& out
 Exit run(app::Services& services, const Invocation& invocation, Output& out,
          const std::atomic<bool>& cancelled);
 
-/// Tells of misuse on standard error.
-Exit refuse(const base::Failure& misuse);
+/// Tells of misuse on standard error, and where help is; `verb` is null where none was named.
+Exit refuse(const base::Failure& misuse, const VerbRow* verb);
 
 /// Writes what is left of the output. A reader that has gone away is no failure.
 Exit finish(Output& out, Exit exit);

@@ -26,6 +26,9 @@ enum class Style {
     struck,  ///< the text of a cancelled task
     late,
     warning,
+    added,    ///< a line that a change would add
+    removed,  ///< a line that a change would take away
+    place,    ///< where in a file a change would be
 };
 
 /// A piece of one line; its text holds no line break and nothing unsafe.

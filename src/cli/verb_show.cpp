@@ -9,6 +9,7 @@
 #include "cli/context.h"
 #include "cli/json_records.h"
 #include "cli/json_times.h"
+#include "cli/note_text.h"
 #include "cli/safe_text.h"
 #include "cli/text_records.h"
 #include "cli/verb_functions.h"
@@ -50,19 +51,6 @@ void printRecord(Context& context, const app::NoteAddress& note,
     context.out.line(object.text());
 }
 
-/// A terminal gets the text without what could steer it; anything else gets the bytes of the file.
-void printText(Context& context, const ports::FileContents& contents) {
-    if (!context.terminal.isTerminal) {
-        context.out.write(contents.bytes);
-        return;
-    }
-    const std::string text = safeText(contents.bytes, LineBreaks::kept);
-    context.out.write(text);
-    if (!text.empty() && text.back() != '\n') {
-        context.out.write("\n");
-    }
-}
-
 }  // namespace
 
 Exit runShow(Context& context) {
@@ -85,7 +73,7 @@ Exit runShow(Context& context) {
         return couldNotRead(*note, contents.failure());
     }
     if (!context.invocation.json) {
-        printText(context, *contents);
+        printNoteText(context, contents->bytes);
         return Exit::done;
     }
     const auto text = store::decodedText(contents->bytes);

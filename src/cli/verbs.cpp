@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "cli/verbs.h"
 
+#include <algorithm>
 #include <array>
+#include <vector>
 
 #include "base/localisation.h"
-#include "cli/verb_functions.h"
+#include "cli/verb_rows.h"
 
 namespace tessaly::cli {
 
 namespace {
 
 using base::N_;
-
-constexpr std::string_view dayWords = "today tomorrow yesterday";
-constexpr std::string_view taskStates = "open done cancelled scheduled";
 
 constexpr std::array globalRows{
     OptionRow{"--root", "DIR", N_("use DIR as the data folder"), Completion::folder},
@@ -25,230 +24,26 @@ constexpr std::array globalRows{
     OptionRow{"--version", nullptr, N_("print the version")},
 };
 
-constexpr std::array listOptions{
-    OptionRow{"--folder",
-              "FOLDER",
-              N_("only notes in this folder of general notes"),
-              Completion::nothing,
-              {},
-              1},
-    OptionRow{"--calendar",
-              nullptr,
-              N_("calendar notes instead of general ones"),
-              Completion::nothing,
-              {},
-              1},
-    OptionRow{"--all", nullptr, N_("notes of both kinds"), Completion::nothing, {}, 1},
-};
-
-constexpr std::array tasksOptions{
-    OptionRow{"--state", "STATES",
-              N_("only tasks in these states, separated by commas: open, done, cancelled, "
-                 "scheduled"),
-              Completion::words, taskStates},
-    OptionRow{
-        "--calendar", nullptr, N_("only tasks of calendar notes"), Completion::nothing, {}, 1},
-    OptionRow{"--notes", nullptr, N_("only tasks of general notes"), Completion::nothing, {}, 1},
-};
-
-constexpr std::array todayExamples{
-    ExampleRow{"tessaly today", N_("what is on today")},
-    ExampleRow{"tessaly today --json | jq '.tasks[].todo.content'", N_("for a script")},
-};
-constexpr std::array dayExamples{
-    ExampleRow{"tessaly day tomorrow", N_("tomorrow")},
-    ExampleRow{"tessaly day 2019-03-05", N_("a given day")},
-    ExampleRow{"tessaly day fri", N_("the next Friday")},
-};
-constexpr std::array weekExamples{
-    ExampleRow{"tessaly week", N_("this week")},
-    ExampleRow{"tessaly week +1w", N_("next week")},
-};
-constexpr std::array overdueExamples{
-    ExampleRow{"tessaly overdue | wc -l", N_("how many tasks are overdue")},
-};
-constexpr std::array listExamples{
-    ExampleRow{"tessaly list --folder Work", N_("the notes in the folder Work")},
-    ExampleRow{"tessaly list --all --json", N_("every note, with its counts and tags")},
-};
-constexpr std::array showExamples{
-    ExampleRow{"tessaly show today", N_("today's note")},
-    ExampleRow{"tessaly show Work/Plans.txt", N_("a note by its file")},
-    ExampleRow{"tessaly show 'Reading list'", N_("a note by its title")},
-};
-constexpr std::array tasksExamples{
-    ExampleRow{"tessaly tasks --state open", N_("everything that is still to do")},
-    ExampleRow{"tessaly tasks --state open | grep '#home'", N_("those with a tag")},
-};
-constexpr std::array tagsExamples{
-    ExampleRow{"tessaly tags", N_("all hashtags")},
-};
-constexpr std::array mentionsExamples{
-    ExampleRow{"tessaly mentions", N_("all mentions")},
-};
-constexpr std::array parseExamples{
-    ExampleRow{"tessaly parse notes.txt --json", N_("the lines of a file as records")},
-    ExampleRow{"printf '* [x] Call\\n' | tessaly parse -", N_("standard input")},
-};
-constexpr std::array settingsExamples{
-    ExampleRow{"tessaly settings list", N_("all settings with their values")},
-    ExampleRow{"tessaly settings set isDashTodo on", N_("lines that begin with - are tasks")},
-    ExampleRow{"tessaly settings reset isDashTodo", N_("back to the default")},
-};
-constexpr std::array doctorExamples{
-    ExampleRow{"tessaly doctor", N_("look for trouble")},
-};
-
-constexpr std::array rows{
-    VerbRow{"today",
-            "",
-            0,
-            0,
-            {},
-            N_("Tasks of today, and what is overdue"),
-            N_("Prints the tasks of today's note, the tasks of other notes that are scheduled for "
-               "today, and the tasks of earlier days that are still open, the oldest first."),
-            {},
-            todayExamples,
-            runToday},
-    VerbRow{"day",
-            "[DATE]",
-            0,
-            1,
-            {Completion::day, dayWords},
-            N_("Tasks of one day"),
-            N_("Prints the tasks of a day's note and the tasks of other notes that are scheduled "
-               "for that day.\n\n"
-               "DATE is a day (2019-03-05 or 20190305), today, tomorrow or yesterday, a weekday "
-               "(its next occurrence), or a distance from today such as +3d, -1w, +2m or +1y. "
-               "Without it, the day is today."),
-            {},
-            dayExamples,
-            runDay},
-    VerbRow{"week",
-            "[DATE]",
-            0,
-            1,
-            {Completion::day, dayWords},
-            N_("Tasks of the seven days of a week"),
-            N_("Prints the seven days of the week that holds DATE, which is written as for day. "
-               "The setting firstDayOfWeek decides on which day a week starts."),
-            {},
-            weekExamples,
-            runWeek},
-    VerbRow{"overdue",
-            "",
-            0,
-            0,
-            {},
-            N_("Open tasks of days gone by"),
-            N_("Prints every open task that is planned for a day before today, the oldest first."),
-            {},
-            overdueExamples,
-            runOverdue},
-    VerbRow{"list",
-            "",
-            0,
-            0,
-            {},
-            N_("Notes by title or by date"),
-            N_("Prints the general notes, in the order of the setting sortBy."),
-            listOptions,
-            listExamples,
-            runList},
-    VerbRow{"show",
-            "NOTE",
-            1,
-            1,
-            {Completion::note, dayWords},
-            N_("Text of a note"),
-            N_("Prints the text of a note as it is.\n\n"
-               "NOTE is a day, written as for the verb day, the name of a file relative to its "
-               "folder, or a title."),
-            {},
-            showExamples,
-            runShow},
-    VerbRow{"tasks",
-            "",
-            0,
-            0,
-            {},
-            N_("Tasks of all notes"),
-            N_("Prints the tasks of all notes, by file and line."),
-            tasksOptions,
-            tasksExamples,
-            runTasks},
-    VerbRow{"tags",
-            "",
-            0,
-            0,
-            {},
-            N_("Hashtags, and how many notes have them"),
-            N_("Prints every hashtag, with the parents that a name such as #work/office implies, "
-               "and the number of notes that have it."),
-            {},
-            tagsExamples,
-            runTags},
-    VerbRow{"mentions",
-            "",
-            0,
-            0,
-            {},
-            N_("Mentions, and how many notes have them"),
-            N_("Prints every mention and the number of notes that have it."),
-            {},
-            mentionsExamples,
-            runMentions},
-    VerbRow{"parse",
-            "FILE",
-            1,
-            1,
-            {Completion::file},
-            N_("Lines of a text as records"),
-            N_("Reads a text and prints one record a line: what kind of line it is, its date and "
-               "its content. With --json, all that is known of a line.\n\n"
-               "FILE is any file, or - for standard input. A file that is named as a calendar note "
-               "and lies in a folder named Calendar has that day."),
-            {},
-            parseExamples,
-            runParse},
-    VerbRow{"settings",
-            "list | get KEY | set KEY VALUE | reset KEY",
-            1,
-            3,
-            {Completion::settingKey, "list get set reset"},
-            N_("Settings: list, read and change them"),
-            N_("Lists the settings with their values, prints one, changes one, or gives one its "
-               "default back."),
-            {},
-            settingsExamples,
-            runSettings},
-    VerbRow{"doctor",
-            "",
-            0,
-            0,
-            {},
-            N_("What is found, missing or doubtful"),
-            N_("Looks at the data folder and the settings and tells what it finds: where they are, "
-               "what cannot be read, files that are passed over and why. It changes nothing."),
-            {},
-            doctorExamples,
-            runDoctor},
-};
+std::vector<VerbRow> allVerbs() {
+    std::vector<VerbRow> all;
+    for (const auto rows : {readingVerbs(), writingVerbs(), otherVerbs()}) {
+        all.insert(all.end(), rows.begin(), rows.end());
+    }
+    return all;
+}
 
 }  // namespace
 
 std::span<const VerbRow> verbs() {
-    return rows;
+    static const std::vector<VerbRow> all = allVerbs();
+    return all;
 }
 
 const VerbRow* findVerb(std::string_view name) {
-    for (const VerbRow& row : rows) {
-        if (row.name == name) {
-            return &row;
-        }
-    }
-    return nullptr;
+    const auto all = verbs();
+    const auto row =
+        std::find_if(all.begin(), all.end(), [&](const VerbRow& one) { return one.name == name; });
+    return row == all.end() ? nullptr : &*row;
 }
 
 std::span<const OptionRow> globalOptions() {

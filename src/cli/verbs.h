@@ -37,6 +37,9 @@ struct ArgumentCompletion {
     std::string_view words = {};
 };
 
+/// What a verb works on, beside what it is given.
+enum class Needs { dataFolder, nothing };
+
 /// A verb of the command: parsing, help, manual and shell completions all read this row.
 struct VerbRow {
     const char* name;
@@ -49,6 +52,8 @@ struct VerbRow {
     std::span<const OptionRow> options;
     std::span<const ExampleRow> examples;
     Exit (*run)(Context& context);
+    /// Before a verb that needs the data folder, writes that were left half done there are settled.
+    Needs needs = Needs::dataFolder;
 };
 
 /// In the order in which help lists them.

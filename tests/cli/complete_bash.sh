@@ -23,7 +23,7 @@ check() {
     fi
 }
 
-check 'tags|tasks|today' t
+check 'tags|tasks|today|trash' t
 check 'today' --root nowhere tod
 check '--color' --c
 check 'always|auto|never' --color ''
@@ -37,6 +37,10 @@ check 'Notes/Home/Books.txt|Notes/Home/Garten.txt' show Notes/Home/
 check 'Notes/Reading list.txt' show 'Notes/Reading\ l'
 check '' --root nowhere show Notes/
 check 'get|list|reset|set' settings ''
+check 'append|overwrite|prepend' add x --mode ''
+check 'Notes/Home/Books.txt' add x --to Notes/Home/B
+check 'Notes/Home/Garten.txt' trash Notes/Home/Books.txt Notes/Home/G
+check 'restore' history re
 check 'isNumbersTodo' settings get isN
 check '' settings set isNumbersTodo ''
 check "$2/Notes" --root "$2/N"

@@ -9,6 +9,7 @@ A case is a folder below cases/:
     root    optional: the name of a folder of roots/, which is copied to root/
     env     optional: NAME=VALUE lines, beside a clean environment
     tty     optional: standard output is a terminal of that many columns
+    keys    optional, with tty: what is typed; standard input and error are that terminal, too
     out, err, status    what must come of it; without a file: nothing, nothing, 0
 UPDATE=1 writes these three instead, for a look at the difference.
 """
@@ -62,19 +63,25 @@ def read_all(descriptor, parts):
         parts.append(part)
 
 
-def run_in_terminal(command, columns, **where):
-    """As subprocess.run, with a terminal as standard output."""
+def run_in_terminal(command, columns, keys, **where):
+    """As subprocess.run, with a terminal as standard output, and as all streams where keys are typed."""
     ours, theirs = pty.openpty()
     fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
     attributes = termios.tcgetattr(theirs)
     attributes[1] &= ~termios.OPOST  # line breaks stay as they are written
+    attributes[3] &= ~termios.ECHO  # it would come between the lines at any place
     termios.tcsetattr(theirs, termios.TCSANOW, attributes)
     parts = []
-    process = subprocess.Popen(command, stdout=theirs, stderr=subprocess.PIPE, **where)
+    if keys is not None:
+        where["stdin"] = theirs
+    process = subprocess.Popen(command, stdout=theirs,
+                               stderr=subprocess.PIPE if keys is None else theirs, **where)
     os.close(theirs)
     reader = threading.Thread(target=read_all, args=(ours, parts))
     reader.start()
-    error = process.stderr.read()
+    if keys is not None:
+        os.write(ours, keys.encode())
+    error = process.stderr.read() if keys is None else b""
     status = process.wait(timeout=60)
     reader.join()
     os.close(ours)
@@ -87,8 +94,9 @@ def run_in_pipes(command, **where):
 
 
 def settled(output, folder):
-    """What differs from run to run has a name instead."""
+    """What differs from run to run has a name instead; progress is shown by slow machines alone."""
     output = output.replace(str(folder).encode(), b"$DIR")
+    output = re.sub(rb"\r[^\r\n]*\x1b\[K", b"", output)
     return re.sub(rb'("created":)"[^"]*"', rb'\1"$CREATED"', output)
 
 
@@ -110,7 +118,8 @@ def run_case(case, program):
         command = ["/bin/bash", "-c", text_of(case, "cmd")]
         where = {"cwd": work, "env": environment, "stdin": subprocess.DEVNULL}
         columns = text_of(case, "tty").strip()
-        out, err, status = (run_in_terminal(command, int(columns), **where) if columns
+        keys = text_of(case, "keys") if (case / "keys").exists() else None
+        out, err, status = (run_in_terminal(command, int(columns), keys, **where) if columns
                             else run_in_pipes(command, **where))
         return {"out": settled(out, folder), "err": settled(err, folder),
                 "status": b"" if status == 0 else f"{status}\n".encode()}

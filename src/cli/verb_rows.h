@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "cli/verbs.h"
+
+namespace tessaly::cli {
+
+/// The table of verbs by topic: those that read notes, those that change them, and the rest.
+std::span<const VerbRow> readingVerbs();
+std::span<const VerbRow> writingVerbs();
+std::span<const VerbRow> otherVerbs();
+
+/// Days that are completed by their words.
+inline constexpr std::string_view dayWords = "today tomorrow yesterday";
+
+}  // namespace tessaly::cli
