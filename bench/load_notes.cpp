@@ -18,7 +18,10 @@
 #include "base/day.h"
 #include "base/shared_text.h"
 #include "base/thread_pool.h"
+#include "platform/flock_folder_locks.h"
+#include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
+#include "platform/system_clock.h"
 #include "store/data_store.h"
 #include "store/day_tasks.h"
 #include "store/note_reader.h"
@@ -148,6 +151,21 @@ store::DataStore::Roots rootsFor(const char* root) {
     return roots;
 }
 
+/// A data folder, with all that its owner wants; nothing is written here.
+struct DataFolder {
+    explicit DataFolder(const char* root) : roots(rootsFor(root)) {}
+
+    platform::PosixFileSystem files;
+    platform::PosixFileChanges changes;
+    platform::FlockFolderLocks locks{"/nowhere"};
+    platform::SystemClock clock;
+    base::ThreadPool pool{std::max(1U, std::thread::hardware_concurrency() - 1)};
+    store::History history{{files, changes, locks, clock}, "/nowhere"};
+    store::SafeFiles safeFiles{{files, changes, locks, history}};
+    store::DataStore::Roots roots;
+    store::DataStore dataStore{{files, changes, safeFiles, {}, clock, pool}, roots};
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -158,9 +176,7 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "usage: load_notes ROOT read|load|day [--needle WORD]\n");
         return 2;
     }
-    platform::PosixFileSystem files;
-    const store::DataStore dataStore(files, rootsFor(argv[1]));
-    base::ThreadPool pool(std::max(1U, std::thread::hardware_concurrency() - 1));
+    DataFolder folder(argv[1]);
     fmt::print("{{");
-    mode->run({dataStore, pool, argc == 5 ? argv[4] : std::string_view{}});
+    mode->run({folder.dataStore, folder.pool, argc == 5 ? argv[4] : std::string_view{}});
 }
