@@ -45,6 +45,23 @@ expect "$notes" doctor
     echo "reading has changed the notes"
     exit 1
 }
+
+# What is written, in a history of its own.
+export XDG_STATE_HOME="$notes/.state" XDG_CACHE_HOME="$notes/.cache"
+unset XDG_RUNTIME_DIR
+expect "+* Buy bread" add '* Buy bread' --dry-run
+expect "Added to Calendar/20190521.txt" add '* Buy bread'
+expect "Buy bread" today
+expect "Created Notes/Ideas.txt" new Ideas
+expect "text added" history today
+original=$(tessaly history today --json | sed -n 's/.*"id":"\([0-9a-f]*\)".*"cause":"found".*/\1/p')
+expect "Restored Calendar/20190521.txt" history restore "$original"
+case $(tessaly show today) in
+    *"Buy bread"*)
+        echo "the earlier text did not come back"
+        exit 1
+        ;;
+esac
 if tessaly nonsense 2>/dev/null; then
     echo "a verb that does not exist is taken"
     exit 1
