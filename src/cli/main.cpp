@@ -104,7 +104,7 @@ cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& lo
     const ports::StandardFolders folders = platform::xdgFolders("tessaly");
     platform::PosixFileSystem files;
     platform::PosixFileChanges changes;
-    platform::FlockFolderLocks locks{platform::lockFolderOfUser(folders.cache)};
+    platform::FlockFolderLocks locks{folders.state + "/locks"};
     platform::JsonUserDefaults standardDefaults{folders.config + "/settings.json"};
     platform::JsonUserDefaults groupDefaults{folders.config + "/group.json"};
     base::ThreadPool pool{poolThreads()};

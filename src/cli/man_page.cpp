@@ -157,9 +157,7 @@ The language of messages and the form of dates.
 .It Ev TZ
 The time zone.
 .It Ev XDG_DATA_HOME , Ev XDG_CONFIG_HOME , Ev XDG_STATE_HOME
-Where the data folder, the settings and the history lie.
-.It Ev XDG_RUNTIME_DIR , Ev XDG_CACHE_HOME
-Where locks lie.
+Where the data folder, the settings and the history (with the locks) lie.
 .El
 .Sh FILES
 .Bl -tag -width Ds

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
@@ -159,12 +158,6 @@ bool FlockFolderLocks::isUnfinished(const std::string& folder) {
     }
     const auto record = LockRecord::read(fd.get(), *path);
     return record && record->isUnfinished();
-}
-
-std::string lockFolderOfUser(const std::string& cacheFolder) {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    const bool counts = runtime != nullptr && runtime[0] == '/';
-    return counts ? std::string(runtime) + "/tessaly" : cacheFolder + "/locks";
 }
 
 }  // namespace tessaly::platform

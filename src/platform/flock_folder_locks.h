@@ -13,8 +13,8 @@ namespace tessaly::platform {
 /// comes back as a new one. Any thread.
 class FlockFolderLocks : public ports::FolderLocks {
 public:
-    /// `folder` holds the lock files and is made when it is needed. `patience`: how long `take`
-    /// waits.
+    /// `folder` holds the lock files and is made when it is needed. It must be the same for all
+    /// processes of one user, whatever session they run in. `patience`: how long `take` waits.
     explicit FlockFolderLocks(std::string folder,
                               std::chrono::milliseconds patience = std::chrono::seconds{10});
 
@@ -25,9 +25,5 @@ private:
     const std::string _folder;
     const std::chrono::milliseconds _patience;
 };
-
-/// "tessaly" in $XDG_RUNTIME_DIR, where a restart of the machine empties it; "locks" in
-/// `cacheFolder`, where that variable holds no absolute path.
-std::string lockFolderOfUser(const std::string& cacheFolder);
 
 }  // namespace tessaly::platform

@@ -175,8 +175,9 @@ Result<HistoryEntry> History::find(std::string_view prefix) const {
             continue;
         }
         if (found != nullptr && found->hash != entry.hash) {
-            return Failure{Failure::Kind::malformed,
-                           std::string(prefix) + ": " + base::tr("several texts begin so")};
+            return Failure{
+                Failure::Kind::malformed,
+                std::string(prefix) + ": " + base::tr("several texts begin so; give more digits")};
         }
         found = found == nullptr ? &entry : found;
     }

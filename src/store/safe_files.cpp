@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "store/safe_files.h"
 
+#include <algorithm>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "base/localisation.h"
@@ -17,6 +20,7 @@ namespace {
 
 // Each try has lost against another program that wrote between our reading and our writing.
 constexpr int maxTries = 20;
+constexpr std::chrono::milliseconds longestPause{64};
 
 /// One try of a change; nothing: the file was changed meanwhile, and a new one is due.
 template <class T>
@@ -24,10 +28,14 @@ using Try = std::optional<Result<T>>;
 
 template <class T, class TryOnce>
 Result<T> tryUntilStill(const std::string& file, const TryOnce& tryOnce) {
+    std::chrono::milliseconds pause{1};
     for (int i = 0; i < maxTries; ++i) {
         if (Try<T> outcome = tryOnce()) {
             return *std::move(outcome);
         }
+        // Each try costs the history two texts; a writer that is busy now may soon be done.
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, longestPause);
     }
     return Failure{Failure::Kind::unavailable,
                    file + ": " + base::tr("other programs change it all the time")};

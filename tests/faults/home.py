@@ -52,7 +52,7 @@ class Home:
         self.data = data or os.path.join(folder, "planner")
         self.state = state or os.path.join(folder, "state")
         self.user = user  # whose rights the program has; None: ours
-        for needed in (self.data, self.state, os.path.join(folder, "runtime")):
+        for needed in (self.data, self.state):
             os.makedirs(needed, mode=0o700, exist_ok=True)
 
     def environment(self, **more):
@@ -60,7 +60,6 @@ class Home:
             "PATH": "/usr/bin:/bin", "HOME": self.folder, "LC_ALL": "C.UTF-8", "TZ": "UTC",
             "XDG_CONFIG_HOME": os.path.join(self.folder, "config"), "XDG_DATA_HOME": os.path.join(self.folder, "share"),
             "XDG_CACHE_HOME": os.path.join(self.folder, "cache"), "XDG_STATE_HOME": self.state,
-            "XDG_RUNTIME_DIR": os.path.join(self.folder, "runtime"),
             "GIO_USE_VFS": "local", **more,
         }
 
