@@ -6,13 +6,7 @@
 
 namespace tessaly::base {
 
-ThreadPool::ThreadPool(std::size_t threads) {
-    const std::size_t count = std::max<std::size_t>(threads, 1);
-    _threads.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        _threads.emplace_back([this] { runJobs(); });
-    }
-}
+ThreadPool::ThreadPool(std::size_t threads) : _width(std::max<std::size_t>(threads, 1)) {}
 
 ThreadPool::~ThreadPool() {
     {
@@ -29,6 +23,11 @@ void ThreadPool::post(Job job) {
     {
         const std::scoped_lock lock(_mutex);
         _jobs.push_back(std::move(job));
+        // While it is ending, only jobs post, and the threads that run them go on until none is
+        // left.
+        if (!_ending && _threads.size() < _width) {
+            _threads.emplace_back([this] { runJobs(); });
+        }
     }
     _changed.notify_one();
 }
