@@ -9,12 +9,11 @@
 #include <unistd.h>
 #include <utility>
 
-#include <fmt/format.h>
 #include <sys/stat.h>
 
-#include "base/localisation.h"
 #include "platform/errno_failure.h"
 #include "platform/file_descriptor.h"
+#include "platform/file_failures.h"
 #include "platform/file_reader.h"
 
 namespace tessaly::platform {
@@ -37,21 +36,8 @@ FileDescriptor openIn(int folder, const std::string& name, int flags) {
     return FileDescriptor(uninterrupted([&] { return ::openat(folder, name.c_str(), flags); }));
 }
 
-/// The kernel would read such a path up to the NUL: another path than the one that was meant.
-bool holdsNul(const std::string& path) {
-    return path.find('\0') != std::string::npos;
-}
-
-Failure nulFailure(const std::string& path) {
-    return errnoFailure(EINVAL, path.c_str(), Failure::Kind::malformed);
-}
-
-Failure notAFile(const std::string& path) {
-    return {Failure::Kind::notAFile, fmt::format("{}: {}", path, base::tr("not a regular file"))};
-}
-
 Failure readFailure(int error, const std::string& path) {
-    return error == EINVAL ? notAFile(path) : errnoFailure(error, path);
+    return error == EINVAL ? notAFileFailure(path) : errnoFailure(error, path);
 }
 
 FolderEntry::Kind kindOfMode(mode_t mode) {
@@ -119,7 +105,8 @@ base::Result<ports::FileContents> PosixFileSystem::read(const std::string& file)
         return kind.failure();
     }
     if (*kind != FolderEntry::Kind::file) {
-        return *kind == FolderEntry::Kind::folder ? errnoFailure(EISDIR, file) : notAFile(file);
+        return *kind == FolderEntry::Kind::folder ? errnoFailure(EISDIR, file)
+                                                  : notAFileFailure(file);
     }
     const FileDescriptor fd = open(file, readFlags);
     if (!fd) {

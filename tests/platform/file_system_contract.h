@@ -14,6 +14,7 @@
 #include <doctest/doctest.h>
 #include <sys/stat.h>
 
+#include "platform/odd_things.h"
 #include "ports/file_system.h"
 #include "support/failure_kind.h"
 #include "support/temp_folder.h"
@@ -23,21 +24,6 @@ namespace tessaly::tests {
 
 using base::Failure;
 using ports::FolderEntry;
-
-/// A folder with one of everything that may stand where a file is expected.
-struct OddThings {
-    TempFolder folder;
-
-    OddThings() {
-        folder.write("note", "text");
-        folder.mkdir("folder");
-        ::mkfifo((folder / "pipe").c_str(), 0600);
-        folder.link("toNote", "note");
-        folder.link("toFolder", "folder");
-        folder.link("toNothing", "missing");
-        folder.link("loop", "loop");
-    }
-};
 
 inline void checkReading(ports::FileSystem& files) {
     const OddThings things;

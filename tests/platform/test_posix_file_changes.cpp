@@ -24,6 +24,7 @@
 
 #include "platform/atomic_file.h"
 #include "platform/file_changes_contract.h"
+#include "platform/odd_things.h"
 #include "platform/posix_file_changes.h"
 #include "platform/read_and_append.h"
 #include "support/failure_kind.h"
@@ -52,22 +53,8 @@ unsigned modeOf(const std::string& file) {
     return status.st_mode & 07777U;
 }
 
-/// A folder with one of everything that may stand where a new file is to go.
-struct TakenNames {
-    TempFolder folder;
-    TakenNames() {
-        folder.write("note", "text");
-        folder.mkdir("folder");
-        ::mkfifo((folder / "pipe").c_str(), 0600);
-        folder.link("toNote", "note");
-        folder.link("toFolder", "folder");
-        folder.link("toNothing", "missing");
-        folder.link("loop", "loop");
-    }
-};
-
 TEST_CASE("a name is taken by whatever has it") {
-    const TakenNames taken;
+    const tests::OddThings taken;
     const TempFolder& folder = taken.folder;
     PosixFileChanges changes;
     const auto before = folder.names();
