@@ -39,6 +39,8 @@ public:
         return matchIf(ready() && _matcher->find(static_cast<std::int64_t>(unit), _status));
     }
 
+    std::optional<RegexMatch> atStart() { return matchIf(ready() && _matcher->lookingAt(_status)); }
+
 private:
     bool ready() const { return _matcher && U_SUCCESS(_status); }
 
@@ -124,6 +126,10 @@ std::optional<RegexMatch> Regex::find(std::u16string_view text, std::size_t from
         return std::nullopt;
     }
     return Search(*_compiled->pattern, text).nextFrom(from);
+}
+
+std::optional<RegexMatch> Regex::matchStart(std::u16string_view text) const {
+    return valid() ? Search(*_compiled->pattern, text).atStart() : std::nullopt;
 }
 
 std::vector<RegexMatch> Regex::findAll(std::u16string_view text) const {

@@ -36,6 +36,10 @@ public:
     /// time limit (about half a second), which is logged as "a pattern took too long".
     std::optional<RegexMatch> find(std::u16string_view text, std::size_t from = 0) const;
 
+    /// The match that begins at the text's very start, where `find` also takes a later one. Nothing
+    /// and the log as above.
+    std::optional<RegexMatch> matchStart(std::u16string_view text) const;
+
     /// All matches, in order, none overlapping; those found so far when the search exceeded its
     /// time limit.
     std::vector<RegexMatch> findAll(std::u16string_view text) const;

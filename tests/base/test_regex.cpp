@@ -77,6 +77,32 @@ TEST_CASE("a search may start anywhere, and sees what is before it") {
     }
 }
 
+TEST_CASE("a match at the start is not looked for elsewhere, and may end anywhere") {
+    struct Row {
+        const char16_t* pattern;
+        const char16_t* text;
+        const char* match;
+    };
+    const Row rows[] = {
+        {u"a", u"ab", "0+1"},
+        {u"a", u"ba", ""},
+        {u"^a", u"b\na", ""},
+        {u"^a",
+         u"\x2028"
+         u"a",
+         ""},
+        {u"b|(a)$", u"a\nb", "0+1(0+1)"},
+        {u"x*", u"ab", "0+0"},
+        {u"a", u"", ""},
+        {u"(a", u"(a", ""},
+    };
+    for (const auto& row : rows) {
+        CAPTURE(base::toUtf8(row.pattern));
+        const auto match = base::Regex(row.pattern).matchStart(row.text);
+        CHECK((match ? line(*match) : "") == row.match);
+    }
+}
+
 TEST_CASE("groups are put into replacements") {
     struct Row {
         const char16_t* pattern;
@@ -112,6 +138,8 @@ TEST_CASE("a search without end is given up, with one line in the log") {
     const std::u16string text(60, u'a');
     CHECK_FALSE(pattern.find(text).has_value());
     REQUIRE(log.lines().size() == 1);
+    CHECK_FALSE(pattern.matchStart(text).has_value());
+    CHECK(log.lines().size() == 2);
     CHECK(log.lines().front().rfind("a pattern took too long", 0) == 0);
     CHECK(pattern.findAll(u"aab").size() == 1);
 }
