@@ -54,6 +54,20 @@ inline constexpr char16_t dateTag[] =
 inline constexpr char16_t doneTag[] =
     uR"(((\s)?@done\((([0-9]{4})-(0[1-9]|1[0-2])-(0[1-9]|1[0-9]|2[0-9]|3[0-1]))( ((0[0-9]|1[0-9]|2[0-3]):[0-5][0-9]( ?[aApP][mM])?))?\)))";
 
+/// A line that a state can be given to; 1 marker with its white space and blank · 2 the rest.
+inline constexpr char16_t actionableLine[] = uR"(^(\s*(?:[\*\-]{1} |[0-9]+[\.\)] ))(.*)$)";
+
+/// Boxes behind a marker: of any state, then of some. 1 the marker with the white space before it ·
+/// 2 what stands behind the box.
+inline constexpr char16_t anyBox[] = uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[[ x\>\-]\] (.*))";
+inline constexpr char16_t openOrScheduledBox[] =
+    uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[[ \>]\] (.*))";
+inline constexpr char16_t doneOrCanceledBox[] =
+    uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[[x\-]\] (.*))";
+inline constexpr char16_t doneBox[] = uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[x\] (.*))";
+inline constexpr char16_t canceledBox[] = uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[-\] (.*))";
+inline constexpr char16_t scheduledBox[] = uR"(^(\s*(?:[\*\-]{1}|[0-9]+[\.\)])) \[>\] (.*))";
+
 /// The compiled form of one of the patterns above, shared by all threads.
 const base::Regex& compiled(const char16_t* pattern);
 
