@@ -35,6 +35,13 @@ constexpr std::array causeRows{
     CauseRow{ChangeCause::restored, N_("restored")},
     CauseRow{ChangeCause::trashed, N_("moved to the trash")},
     CauseRow{ChangeCause::unfinished, N_("unfinished write")},
+    CauseRow{ChangeCause::completed, N_("task done")},
+    CauseRow{ChangeCause::cancelled, N_("task cancelled")},
+    CauseRow{ChangeCause::reopened, N_("task reopened")},
+    CauseRow{ChangeCause::scheduled, N_("task scheduled")},
+    CauseRow{ChangeCause::repeated, N_("task repeated")},
+    CauseRow{ChangeCause::archived, N_("tasks archived")},
+    CauseRow{ChangeCause::undone, N_("undone")},
 };
 
 std::string timeOf(Context& context, const store::HistoryEntry& entry) {

@@ -17,13 +17,20 @@ enum class ChangeCause {
     restored,    ///< an earlier text was put back
     trashed,     ///< the file went to the trash, or for good
     unfinished,  ///< lay in a temporary file of a write that did not end
+    completed,   ///< a task was done
+    cancelled,   ///< a task was cancelled
+    reopened,    ///< a task was opened again
+    scheduled,   ///< a task was scheduled, copied to its day, or its earlier copy went
+    repeated,    ///< a task was copied to later days, or its last repeat was marked
+    archived,    ///< tasks went to the note's archive
+    undone,      ///< one of these changes was taken back
 };
 
 }  // namespace tessaly::store
 
 template <>
 struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
-    static constexpr std::array<EnumName<store::ChangeCause>, 8> rows{{
+    static constexpr std::array<EnumName<store::ChangeCause>, 15> rows{{
         {store::ChangeCause::found, "found"},
         {store::ChangeCause::created, "created"},
         {store::ChangeCause::added, "added"},
@@ -32,5 +39,12 @@ struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
         {store::ChangeCause::restored, "restored"},
         {store::ChangeCause::trashed, "trashed"},
         {store::ChangeCause::unfinished, "unfinished"},
+        {store::ChangeCause::completed, "completed"},
+        {store::ChangeCause::cancelled, "cancelled"},
+        {store::ChangeCause::reopened, "reopened"},
+        {store::ChangeCause::scheduled, "scheduled"},
+        {store::ChangeCause::repeated, "repeated"},
+        {store::ChangeCause::archived, "archived"},
+        {store::ChangeCause::undone, "undone"},
     }};
 };

@@ -2,8 +2,6 @@
 #include "store/history_index.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -11,98 +9,13 @@
 #include <fmt/format.h>
 
 #include "base/enum_names.h"
+#include "store/record_fields.h"
 
 namespace tessaly::store {
 namespace {
 
-using std::chrono::nanoseconds;
-
-constexpr std::array<std::pair<char, char>, 3> escapes{{{'\\', '\\'}, {'\t', 't'}, {'\n', 'n'}}};
-
-std::string escaped(std::string_view path) {
-    std::string text;
-    text.reserve(path.size());
-    for (const char c : path) {
-        const auto* const row = std::find_if(escapes.begin(), escapes.end(),
-                                             [&](const auto& escape) { return escape.first == c; });
-        if (row == escapes.end()) {
-            text += c;
-        } else {
-            text.append({'\\', row->second});
-        }
-    }
-    return text;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string path;
-    path.reserve(text.size());
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\t') {
-            return std::nullopt;
-        }
-        if (text[at] != '\\') {
-            path += text[at];
-            continue;
-        }
-        const char letter = ++at < text.size() ? text[at] : '\0';
-        const auto* const row =
-            std::find_if(escapes.begin(), escapes.end(),
-                         [&](const auto& escape) { return escape.second == letter; });
-        if (row == escapes.end()) {
-            return std::nullopt;
-        }
-        path += row->first;
-    }
-    return path;
-}
-
-std::string timeText(base::Instant time) {
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::hh_mm_ss<nanoseconds> clock{time - day};
-    return fmt::format("{}T{:02}:{:02}:{:02}.{:09}Z", base::tagText(base::Day{day}),
-                       clock.hours().count(), clock.minutes().count(), clock.seconds().count(),
-                       clock.subseconds().count());
-}
-
-template <class Number>
-std::optional<Number> numberOf(std::string_view text, Number highest) {
-    Number value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    const bool read = !text.empty() && text.front() != '-' && error == std::errc() && stop == end;
-    return read && value <= highest ? std::optional(value) : std::nullopt;
-}
-
-std::optional<base::Instant> timeOf(std::string_view text) {
-    constexpr std::string_view form = "0000-00-00T00:00:00.000000000Z";
-    if (text.size() != form.size() || text[10] != 'T' || text[13] != ':' || text[16] != ':' ||
-        text[19] != '.' || text[29] != 'Z') {
-        return std::nullopt;
-    }
-    const auto day = base::dayFromTagText(text.substr(0, 10));
-    const auto hour = numberOf(text.substr(11, 2), 23);
-    const auto minute = numberOf(text.substr(14, 2), 59);
-    const auto second = numberOf(text.substr(17, 2), 59);
-    const auto fraction = numberOf(text.substr(20, 9), 999'999'999);
-    // Instants count nanoseconds in 64 bits, which end in these years.
-    if (!day || !hour || !minute || !second || !fraction || int{day->year()} < 1678 ||
-        int{day->year()} > 2261) {
-        return std::nullopt;
-    }
-    return std::chrono::sys_days{*day} + std::chrono::hours{*hour} + std::chrono::minutes{*minute} +
-           std::chrono::seconds{*second} + nanoseconds{*fraction};
-}
-
 bool isHash(std::string_view text) {
     return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == text.npos;
-}
-
-// Takes what stands before the next tab off the front of a line; all of it where there is none.
-std::string_view takeField(std::string_view& line) {
-    const std::string_view field = line.substr(0, line.find('\t'));
-    line.remove_prefix(std::min(field.size() + 1, line.size()));
-    return field;
 }
 
 }  // namespace
