@@ -128,7 +128,7 @@ public:
     }
 
     bool hasCopyOf(const Found& task) {
-        if (task.line->line.type != TodoType::scheduled) {
+        if (!mayHaveCopy(task)) {
             return false;
         }
         const std::chrono::sys_days day{*task.line->scheduledTo};
@@ -141,16 +141,34 @@ public:
             return false;
         }
         const auto& source = task.note->day;
-        const auto& links = copies->second;
+        if (task.line->line.type == TodoType::open) {
+            return copies->second.ofOpenTasks.contains(source);
+        }
+        const auto& links = copies->second.ofTasks;
         return !source || links.contains(std::nullopt) || links.contains(source);
     }
 
 private:
+    // An original that was opened again still has its copy. Only a link shows that an open task is
+    // no task of its own.
+    static bool mayHaveCopy(const Found& task) {
+        if (!task.line->scheduledTo || task.line->scheduledTo == task.note->day) {
+            return false;
+        }
+        const TodoType type = task.line->line.type;
+        return type == TodoType::scheduled || (type == TodoType::open && task.note->day);
+    }
+
+    // Where the tasks of a day that read alike link back to; nothing: nowhere.
+    struct Links {
+        std::set<std::optional<base::Day>> ofTasks;
+        std::set<std::optional<base::Day>> ofOpenTasks;
+    };
+
     // What has been asked of a day.
     struct OfDay {
-        std::map<char32_t, bool> characters;  // whether a task may begin with it
-        // Where the tasks with this bare content link back to.
-        std::unordered_map<std::string, std::set<std::optional<base::Day>>> links;
+        std::map<char32_t, bool> characters;           // whether a task may begin with it
+        std::unordered_map<std::string, Links> links;  // by bare content
     };
 
     // Whether the day may hold a task that begins so; if it may, its `links` are filled with those.
@@ -167,8 +185,12 @@ private:
                 const char32_t own = firstCharacter(behindBox(task));
                 if (own == first || own == anyCharacter || first == anyCharacter) {
                     known->second = true;
-                    there.links[bareContent(contentOf(task))].insert(
-                        backLinkDay(at->second->textOf(line)));
+                    Links& links = there.links[bareContent(contentOf(task))];
+                    const auto link = backLinkDay(at->second->textOf(line));
+                    links.ofTasks.insert(link);
+                    if (line.line.type == TodoType::open) {
+                        links.ofOpenTasks.insert(link);
+                    }
                 }
             }
         }
@@ -218,9 +240,12 @@ OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
         if (plannedDay(task) >= today) {
             return;
         }
+        // One that a day's note schedules to another day has been moved there.
         const bool standsForItself =
-            type == TodoType::scheduled && !task.note->day && !copies.hasCopyOf(task);
-        if (type == TodoType::open || standsForItself) {
+            type == TodoType::open ||
+            (type == TodoType::scheduled &&
+             (!task.note->day || task.note->day == task.line->scheduledTo));
+        if (standsForItself && !copies.hasCopyOf(task)) {
             tasks.push_back(task);
         }
     });

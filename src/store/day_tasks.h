@@ -41,8 +41,9 @@ struct OverdueTasks {
 /// joined. Asked when all is in.
 ///
 /// A scheduled line is the original of a copy that stands in the day it names. The copy is what
-/// counts; where a general note's line has no copy (copying is a setting), the line itself is an
-/// open task of the day it names.
+/// counts, also when the original has been opened again; where a general note's line has no copy
+/// (copying is a setting), the line itself is an open task of the day it names, and so is a line
+/// that is scheduled to the day of its own note.
 class DayTasks {
 public:
     /// Adds the tasks of one note; `scanner` is the calling thread's. `bytes` are the file's: a

@@ -110,6 +110,22 @@ TEST_CASE("an original whose copy stands in the day is left out") {
         "overdue\n");
 }
 
+TEST_CASE("an original that was opened again does not count beside its open copy") {
+    check({{"Calendar/20190519.txt",
+            "* Call <2019-05-18\n* [x] Pay <2019-05-18\n* [>] own >2019-05-19"},
+           {"Calendar/20190521.txt", "* Ring <2019-05-18\n* [>] mine >2019-05-21"},
+           {"Calendar/20190518.txt",
+            "* Call >2019-05-19\n* [ ] Pay >2019-05-19\n* [ ] Ring >2019-05-21"}},
+          "note\n"
+          "2019-05-21 Calendar/20190521.txt:1 * Ring <2019-05-18\n"
+          "2019-05-21 Calendar/20190521.txt:2 * [>] mine >2019-05-21\n"
+          "scheduled\n"
+          "overdue\n"
+          "2019-05-19 Calendar/20190518.txt:2 * [ ] Pay >2019-05-19\n"
+          "2019-05-19 Calendar/20190519.txt:1 * Call <2019-05-18\n"
+          "2019-05-19 Calendar/20190519.txt:3 * [>] own >2019-05-19\n");
+}
+
 TEST_CASE("open tasks planned for an earlier day are overdue, the oldest first, none twice") {
     check({{"Calendar/20190519.txt", "* b\n* [x] done\n* [-] off\n* a\r\n* copy <2019-05-01"},
            {"Calendar/20190518.txt",
