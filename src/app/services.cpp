@@ -64,6 +64,22 @@ grammar::MarkerSettings Services::markerSettings() {
     return {settings.isAsteriskTodo(), settings.isDashTodo(), settings.isNumbersTodo()};
 }
 
+tasks::RewriteSettings Services::rewriteSettings() {
+    settings::Globals& settings = globals();
+    return {markerSettings(), settings.isAppendCompletionLinks(), settings.isAppendScheduleLinks(),
+            settings.isCopyScheduleGeneralNoteTodos(), dateStrings().formats().hourCycle()};
+}
+
+std::unique_ptr<tasks::OperationJournal> Services::operationJournal() {
+    return std::make_unique<tasks::OperationJournal>(
+        tasks::OperationJournal::Tools{_ports.files, _ports.changes, _ports.locks, _ports.clock},
+        _ports.folders.state + "/undo", dataStore().root());
+}
+
+tasks::OperationRunner Services::operationRunner(tasks::OperationJournal& journal) {
+    return {{_ports.files, _ports.changes, safeFiles()}, journal};
+}
+
 store::CountSettings Services::countSettings() {
     return {markerSettings(), globals().isIndentedTasksInCalendar()};
 }

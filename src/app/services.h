@@ -23,6 +23,9 @@
 #include "store/history.h"
 #include "store/note_model.h"
 #include "store/safe_files.h"
+#include "tasks/operation_journal.h"
+#include "tasks/operation_runner.h"
+#include "tasks/task_rewrites.h"
 
 namespace tessaly::app {
 
@@ -58,6 +61,9 @@ public:
     store::DataStore& dataStore();
     store::History& history();
     store::SafeFiles& safeFiles();
+    /// The operations on the tasks of the data folder in use now.
+    std::unique_ptr<tasks::OperationJournal> operationJournal();
+    tasks::OperationRunner operationRunner(tasks::OperationJournal& journal);
     const grammar::DateStringHelper& dateStrings();
 
     /// Whether the settings name a cloud drive that cannot be used now, so that the notes shown are
@@ -67,6 +73,7 @@ public:
     /// What reading a note depends on, from the settings as they are now.
     grammar::MarkerSettings markerSettings();
     store::CountSettings countSettings();
+    tasks::RewriteSettings rewriteSettings();
 
     base::Day today() { return _ports.clock.today(); }
 

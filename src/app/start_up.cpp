@@ -80,7 +80,10 @@ std::vector<StepResult> startUp(Services& services, const UsageLog& usage) {
 }
 
 base::Result<base::Done> settleUnfinished(Services& services) {
-    return services.safeFiles().settle(services.dataStore().root());
+    auto settled = services.safeFiles().settle(services.dataStore().root());
+    const auto journal = services.operationJournal();
+    const auto finished = services.operationRunner(*journal).settle();
+    return settled ? finished : settled;
 }
 
 std::vector<StepResult> stepsWithoutMeaning() {
