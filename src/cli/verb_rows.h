@@ -8,8 +8,10 @@
 
 namespace tessaly::cli {
 
-/// The table of verbs by topic: those that read notes, those that change them, and the rest.
+/// The table of verbs by topic: those that read notes, those that change tasks, those that
+/// change notes, and the rest.
 std::span<const VerbRow> readingVerbs();
+std::span<const VerbRow> taskVerbs();
 std::span<const VerbRow> writingVerbs();
 std::span<const VerbRow> otherVerbs();
 

@@ -26,7 +26,7 @@ constexpr std::array globalRows{
 
 std::vector<VerbRow> allVerbs() {
     std::vector<VerbRow> all;
-    for (const auto rows : {readingVerbs(), writingVerbs(), otherVerbs()}) {
+    for (const auto rows : {readingVerbs(), taskVerbs(), writingVerbs(), otherVerbs()}) {
         all.insert(all.end(), rows.begin(), rows.end());
     }
     return all;

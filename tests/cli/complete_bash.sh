@@ -40,6 +40,8 @@ check 'get|list|reset|set' settings ''
 check 'append|overwrite|prepend' add x --mode ''
 check 'Notes/Home/Books.txt' add x --to Notes/Home/B
 check 'Notes/Home/Garten.txt' trash Notes/Home/Books.txt Notes/Home/G
+check 'Notes/Home/Garten.txt' 'done' Notes/Home/Books.txt Notes/Home/G
+check 'day|month|quarter|week|year' repeat today:2 --every ''
 check 'restore' history re
 check 'isNumbersTodo' settings get isN
 check '' settings set isNumbersTodo ''
