@@ -20,6 +20,10 @@ FAILURE_LINES = (
     "error in localFolderExists(): ",
     "Error createFolderIfNonExisting: ",
     "Couldn't find a good filename",
+    "couldn't create the url",
+    "file does not exist",
+    "Could not read and write into the note: ",
+    "Could not write the journal: ",
 )
 
 
@@ -48,6 +52,8 @@ class Home:
 
     def __init__(self, program, folder, data=None, state=None, user=None):
         self.program = program
+        self.now = NOW  # what the program takes for the present
+        self.locale = "C.UTF-8"
         self.folder = folder
         self.data = data or os.path.join(folder, "planner")
         self.state = state or os.path.join(folder, "state")
@@ -57,14 +63,14 @@ class Home:
 
     def environment(self, **more):
         return {
-            "PATH": "/usr/bin:/bin", "HOME": self.folder, "LC_ALL": "C.UTF-8", "TZ": "UTC",
+            "PATH": "/usr/bin:/bin", "HOME": self.folder, "LC_ALL": self.locale, "TZ": "UTC",
             "XDG_CONFIG_HOME": os.path.join(self.folder, "config"), "XDG_DATA_HOME": os.path.join(self.folder, "share"),
             "XDG_CACHE_HOME": os.path.join(self.folder, "cache"), "XDG_STATE_HOME": self.state,
             "GIO_USE_VFS": "local", **more,
         }
 
     def words(self, arguments):
-        return [self.program, "--root", self.data, "--now", NOW, *arguments]
+        return [self.program, "--root", self.data, "--now", self.now, *arguments]
 
     def run(self, *arguments, **environment):
         return subprocess.run(self.words(arguments), env=self.environment(**environment), stdin=subprocess.DEVNULL,

@@ -170,41 +170,40 @@ class Trial:
         self.check_lost_nothing(where, notes)
         self.check_retry(where, notes)
 
-    def check_faults(self, name):
+    def check_faults(self, name, fault):
         ended, calls = self.run()
         if not self.problems.check(ended.returncode == 0 and self.home.notes() == self.new,
                                    f"without a fault: {ended.returncode}, {ended.stderr}, {self.home.notes()}"):
             return len(calls)
-        fault = FAULTS[name]
         for call, told in enumerate(calls, 1):
             if fault.calls is None or told.split(" ")[0] in fault.calls:
                 self.check_fault(name, fault, call, told.replace(self.live + "/", ""))
         return len(calls)
 
 
-def check(program, library, scenario, fault):
+def check(make_trial, program, library, scenario, name, fault):
     """One scenario under one fault, in a process of its own."""
     with tempfile.TemporaryDirectory(prefix="tessaly-faults-") as folder:
-        trial = Trial(program, library, SCENARIOS[scenario], os.path.realpath(folder))
-        calls = trial.check_faults(fault)
-        trial.problems.found = [f"{scenario}: {text}" for text in trial.problems.found]
+        trial = make_trial(program, library, scenario, os.path.realpath(folder))
+        calls = trial.check_faults(name, fault)
         return calls, trial.problems
 
 
-def main():
+def run_scenarios(make_trial, scenarios, faults):
+    """Those that the command line names, or all, under each of the faults; the exit status."""
     program, library = map(os.path.realpath, sys.argv[1:3])
-    cases = [(scenario, fault) for scenario in sys.argv[3:] or SCENARIOS for fault in FAULTS]
     problems, calls = Problems(), {}
     with concurrent.futures.ProcessPoolExecutor(2) as pool:
-        waiting = {pool.submit(check, program, library, *case): case for case in cases}
+        waiting = {pool.submit(check, make_trial, program, library, scenarios[scenario], name, fault): scenario
+                   for scenario in sys.argv[3:] or scenarios for name, fault in faults.items()}
         for done in concurrent.futures.as_completed(waiting):
             count, found = done.result()
-            calls[waiting[done][0]] = count
+            calls[waiting[done]] = count
             problems.checks += found.checks
-            problems.found += found.found
+            problems.found += [f"{waiting[done]}: {text}" for text in found.found]
     print("calls that change the disk:", ", ".join(f"{name} {count}" for name, count in sorted(calls.items())))
     return problems.finish()
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run_scenarios(Trial, SCENARIOS, FAULTS))

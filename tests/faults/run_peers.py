@@ -43,12 +43,14 @@ PEERS = {
 
 
 class Peers:
+    note, text = NOTE, b"# Plan\n"  # that all write, and how it begins
+
     def __init__(self, home, problems):
         self.home, self.problems = home, problems
         self.written = [[], [], []]  # lines, of the two of us and of the peer
         self.refused = 0
         self.done = threading.Event()
-        home.write(NOTE, b"# Plan\n")
+        home.write(self.note, self.text)
 
     def add_lines(self, who):
         for index in range(LINES):
@@ -66,7 +68,7 @@ class Peers:
         return False
 
     def be_peer(self, words):
-        path = os.path.join(self.home.data, NOTE)
+        path = os.path.join(self.home.data, self.note)
         while not self.done.is_set() and len(self.written[2]) < LINES:
             line = f"* [ ] peer {len(self.written[2]):04}"
             command = [word.replace("LINE", line).replace("NOTE", path) for word in words]
