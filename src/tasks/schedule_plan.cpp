@@ -37,7 +37,9 @@ base::Result<SchedulePlan::Earlier> SchedulePlan::earlierOf(const NoteLine& line
     const auto tagged = scheduledDay(line.text);
     // An open line that names a day may never have been copied; a link back proves that it was.
     const bool wasScheduled = typeOf(line, _settings.markers) == TodoType::scheduled;
-    if (!wasScheduled && !(tagged && source)) {
+    // What reads like a copy that nobody made is a task of its own.
+    const bool mayHaveCopy = source || _settings.isCopyScheduleGeneralNoteTodos;
+    if (!mayHaveCopy || (!wasScheduled && !(tagged && source))) {
         return Earlier{};
     }
     Earlier earlier{tagged ? tagged : day, {}, {}};

@@ -168,6 +168,8 @@ class Model:
         """
         tagged, source = rules.day_of_schedule(line), day_of(path)
         day = tagged or target
+        if not source and not self.settings.isCopyScheduleGeneralNoteTodos:
+            return []
         if not day or day == source or (self.state(line) != "scheduled" and not (tagged and source)):
             return []
         there = self.path_of_day(day)
