@@ -22,13 +22,6 @@ std::optional<base::Day> firstDay(std::string_view line, MarkKind kind) {
     return std::nullopt;
 }
 
-/// The content without dates, which change with a task's state.
-std::string bare(std::string_view content) {
-    const std::string undated =
-        DateTags::findAndRemoveDoneTag(DateTags::removeDateTags(std::string(content)));
-    return std::string(base::trimmed(undated));
-}
-
 class Copy {
 public:
     Copy(std::string_view line, std::optional<base::Day> sourceDay,
@@ -36,7 +29,7 @@ public:
         : _markers(markers),
           _sourceDay(sourceDay),
           _content(contentOf(line, grammar::classifyLine(line, markers))),
-          _bare(bare(_content)) {}
+          _bare(bareContent(_content)) {}
 
     void lookAt(std::size_t index, std::string_view line, CopiesOfTask& found) const {
         const LineClass lineClass = grammar::classifyLine(line, _markers);
@@ -59,7 +52,7 @@ private:
     // A link back tells a copy even when words were added to it or taken from it; one that was
     // scheduled further has lost its link.
     bool wasCopy(std::string_view line, std::string_view content, TodoType type) const {
-        const std::string other = bare(content);
+        const std::string other = bareContent(content);
         if (_bare.empty() || other.empty()) {
             return false;
         }
@@ -76,6 +69,12 @@ private:
 };
 
 }  // namespace
+
+std::string bareContent(std::string_view content) {
+    const std::string undated =
+        DateTags::findAndRemoveDoneTag(DateTags::removeDateTags(std::string(content)));
+    return std::string(base::trimmed(undated));
+}
 
 CopiesOfTask findCopies(const std::vector<std::string>& lines, std::string_view copy,
                         std::optional<base::Day> sourceDay,

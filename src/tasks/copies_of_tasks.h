@@ -24,6 +24,9 @@ struct CopiesOfTask {
 CopiesOfTask findCopies(const std::vector<std::string>& lines, std::string_view copy,
                         std::optional<base::Day> sourceDay, const grammar::MarkerSettings& markers);
 
+/// A task's content without dates, which change with its state: the same for a task and its copy.
+std::string bareContent(std::string_view content);
+
 /// The day that a task was scheduled to, by the line's first schedule tag.
 std::optional<base::Day> scheduledDay(std::string_view line);
 

@@ -47,7 +47,8 @@ struct Operation {
     store::ChangeCause cause = store::ChangeCause::completed;
     std::optional<base::Day> day;  ///< that it schedules to
     std::size_t tasks = 0;         ///< how many lines the user named
-    std::string title;             ///< what the first of them reads, without marker and box
+    /// What the first of them reads, without marker and box, cut for display.
+    std::string title;
     std::vector<NoteStep> steps;
     /// The number of the operation that this one takes back.
     std::optional<std::uint64_t> undoes;

@@ -4,9 +4,12 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "store/note_document.h"
 #include "tasks/note_step.h"
 #include "tasks/operation_failures.h"
+#include "tasks/undo_edits.h"
 
 namespace tessaly::tasks {
 namespace {
@@ -53,8 +56,43 @@ NoteStep withPlaces(NoteStep step, const NoteBytes& now) {
 }
 
 Result<NoteStep> leadingBack(const NoteStep& step, const NoteBytes& now) {
-    auto back = adapted(inverse(step), now, Strictness::whatCanBe);
-    return back ? Result<NoteStep>(withPlaces(*std::move(back), now)) : back;
+    if (!step.hashAfter.empty() && hashOf(now) == step.hashAfter) {
+        auto back = adapted(inverse(step), now, Strictness::whatCanBe);
+        return back ? Result<NoteStep>(withPlaces(*std::move(back), now)) : back;
+    }
+    NoteStep own = step;
+    own.edits = ownEdits(step.edits, store::decodedText(now.value_or("")).value_or(""));
+    return located(inverse(own), now, Strictness::whatCanBe);
+}
+
+/// What can be taken back.
+struct WayBack {
+    std::vector<NoteStep> steps;
+    std::vector<std::string> notRestored;  ///< lines that would stay replaced
+    std::vector<Failure> failures;         ///< of notes that are left out
+};
+
+Result<WayBack> wayBack(const StepWriter& notes, const std::vector<NoteStep>& steps) {
+    Trial trial(notes);
+    WayBack way;
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+        if (step->staysWhenUndone) {
+            continue;
+        }
+        auto back =
+            trial.make(*step, [&](const NoteBytes& now) { return leadingBack(*step, now); });
+        if (!back && !isLost(back.failure().kind)) {
+            return back.failure();
+        }
+        const auto lines = notRestored(step->edits, back ? back->edits : std::vector<LineEdit>());
+        way.notRestored.insert(way.notRestored.end(), lines.begin(), lines.end());
+        if (!back) {
+            way.failures.push_back(back.failure());
+        } else if (hasEffect(*back)) {
+            way.steps.push_back(*std::move(back));
+        }
+    }
+    return way;
 }
 
 }  // namespace
@@ -77,28 +115,26 @@ Result<Operation> prepared(const StepWriter& notes, Operation plan) {
 }
 
 Result<Operation> preparedUndo(const StepWriter& notes, const Operation& operation) {
-    Trial trial(notes);
+    auto way = wayBack(notes, operation.steps);
+    if (!way) {
+        return way.failure();
+    }
+    const std::vector<Failure> failures = way->failures;
+    if (!way->notRestored.empty()) {
+        way = wayBack(notes, withoutCopiesOf(way->notRestored, operation.steps));
+    }
+    if (!way) {
+        return way.failure();
+    }
+    for (const Failure& failure : failures) {
+        loggedOfNote(failure);
+    }
     Operation undo = operation;
     undo.number = 0;
     undo.undoes = operation.number;
     undo.cause = store::ChangeCause::undone;
-    undo.steps.clear();
     undo.stepsMade = 0;
-    for (auto step = operation.steps.rbegin(); step != operation.steps.rend(); ++step) {
-        if (step->staysWhenUndone) {
-            continue;
-        }
-        auto back =
-            trial.make(*step, [&](const NoteBytes& now) { return leadingBack(*step, now); });
-        if (!back && !isLost(back.failure().kind)) {
-            return back.failure();
-        }
-        if (!back) {
-            loggedOfNote(back.failure());
-        } else if (hasEffect(*back)) {
-            undo.steps.push_back(*std::move(back));
-        }
-    }
+    undo.steps = std::move(way).value().steps;
     return undo;
 }
 

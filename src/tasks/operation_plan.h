@@ -11,8 +11,9 @@ namespace tessaly::tasks {
 /// effect are left out. Writes nothing, logs nothing.
 base::Result<Operation> prepared(const StepWriter& notes, Operation plan);
 
-/// The operation that takes `operation` back as far as the notes as they are allow it. What is
-/// wrong with a note that is left out is logged. Writes nothing. Failure: a note could not be read.
+/// The operation that takes `operation` back as far as the notes as they are allow it; a line that
+/// cannot be restored keeps its copies. What is wrong with a note that is left out is logged.
+/// Writes nothing. Failure: a note could not be read.
 base::Result<Operation> preparedUndo(const StepWriter& notes, const Operation& operation);
 
 }  // namespace tessaly::tasks

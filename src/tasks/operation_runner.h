@@ -48,8 +48,9 @@ public:
 
     /// Takes an operation of the journal back, the last step first: a note that still has the bytes
     /// that the operation gave it gets those back that it had (one that was made goes), in another
-    /// one each line is taken back that is found. The operation is forgotten, unless its files
-    /// could not be read or written; then it can be tried again (the failure's).
+    /// one each line is taken back that is found, but none of those that had stood there before. A
+    /// line that cannot be restored keeps its copies where they are. The operation is forgotten,
+    /// unless its files could not be read or written; then it can be tried again (the failure's).
     base::Result<Undone> undo(const Operation& operation);
 
     /// Finishes what a process that died was making or undoing. A step that can never be made, as

@@ -6,6 +6,7 @@
 
 #include "base/utf8.h"
 #include "grammar/line_scanner.h"
+#include "grammar/todo_helper.h"
 #include "tasks/made_places.h"
 #include "tasks/refusals.h"
 #include "tasks/task_lookup.h"
@@ -36,7 +37,8 @@ void PlannedChanges::refuse(const Named& line, const char* english) {
 void PlannedChanges::count(const NoteLine& line) {
     if (_tasks++ == 0) {
         const auto lineClass = grammar::classifyLine(line.text, _markers);
-        _title = base::trimmed(grammar::contentOf(line.text, lineClass));
+        _title = grammar::shortened(base::trimmed(grammar::contentOf(line.text, lineClass)),
+                                    grammar::Todo::defaultContentLength);
     }
 }
 

@@ -126,7 +126,7 @@ class Life(Plans):
     def undo_unlinked(self, where, model, old):
         """Copies without a link stay when their scheduling is undone; then they are taken away by hand."""
         del self.snapshots[-1:]
-        self.run_undo(1)
+        self.run_undo(1, in_part=True)
         left = self.model()
         left.changed = dict(old)
         for copy in model.unlinked:
@@ -172,9 +172,9 @@ class Life(Plans):
         self.now = wanted
         del self.snapshots[-count:]
 
-    def run_undo(self, count):
+    def run_undo(self, count, in_part=False):
         ended = self.home.run("undo", *([str(count)] if count > 1 else []))
-        self.problems.check(ended.returncode == 0, f"undo: {ended.stdout.decode()}{ended.stderr.decode()}")
+        self.problems.check(ended.returncode == int(in_part), f"undo: {ended.stdout.decode()}{ended.stderr.decode()}")
         self.seen["undo"] = self.seen.get("undo", 0) + 1
 
     def live(self, count):

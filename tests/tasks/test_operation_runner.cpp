@@ -123,7 +123,6 @@ TEST_CASE("operation runner: undoing takes back what still is there") {
         {source, "x\n" + after.at(source), "x\n" + before.at(source), true, ""},
         {target, "x\n" + after.at(target), "x\n" + before.at(target), true, ""},
         {earlier, "x\n" + after.at(earlier), "x\n" + before.at(earlier), true, ""},
-        {source, "* [x] Call", "* [x] Call", false, ""},
         {target, "* Call them", "* Call them", false, ""},
         {target, twice, twice, false, ""},
         {target, "\xFF", "\xFF", false, unreadable},
@@ -143,6 +142,74 @@ TEST_CASE("operation runner: undoing takes back what still is there") {
         CHECK(f.operations().empty());
         CHECK(log.lines().size() == (row.log.empty() ? 0 : 1));
         CHECK((log.lines().empty() || log.lines().front().starts_with(row.log)));
+    }
+}
+
+TEST_CASE("operation runner: a line that cannot be restored keeps its copy where it is") {
+    struct Row {
+        std::string what;
+        std::optional<std::string> found;  // of the source, where two tasks were scheduled
+        std::string source;                // what is left there
+        std::string target;
+        std::string earlier;
+    };
+    const std::string both = "# Day\n* [>] Call >2020-01-03\n* [>] Mail >2020-01-03\n";
+    const std::string other = "* Mail <2019-12-31\n";
+    const std::string call = "* Call <2019-12-31\n";
+    const Row rows[] = {
+        {"neither", "* [>] Call them >2020-01-03\n", "* [>] Call them >2020-01-03\n",
+         "first\n" + call + other, "# Then\nlast\n"},
+        {"one of two", "* [>] Call them >2020-01-03\n* [>] Mail >2020-01-03\n",
+         "* [>] Call them >2020-01-03\n* Mail\n", "first\n" + call, "# Then\nlast\n"},
+        {"the other", "* [>] Call >2020-01-03\n", "* Call\n", "first\n" + other,
+         "# Then\n" + call + "last\n"},
+        {"no note", {}, "", "first\n" + call + other, "# Then\nlast\n"},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        RunnerFixture f(with(before, source, "# Day\n* Call\n* Mail\n"));
+        NoteStep copies = copied();
+        copies.edits.push_back({Edit::Kind::append, 0, 0, "", "* Mail <2019-12-31", "", 0});
+        NoteStep marks = marked();
+        marks.edits.push_back(
+            {Edit::Kind::replace, 2, 2, "* Mail", "* [>] Mail >2020-01-03", "", 0});
+        REQUIRE(f.runner().make(planOf({copies, marks, removed()})));
+        CHECK(f.notes().at(source) == both);
+        std::filesystem::remove(f.folder / ("data/" + source));
+        f.put(with({}, source, row.found));
+        LogCapture log;
+        const auto undone = f.undoLast();
+        REQUIRE(undone);
+        CHECK_FALSE(undone->isComplete);
+        Notes left = with(with({}, target, row.target), earlier, row.earlier);
+        left = row.source.empty() ? left : with(left, source, row.source);
+        CHECK(shown(f.notes()) == shown(left));
+    }
+}
+
+TEST_CASE("operation runner: undoing takes no line that had been there before") {
+    struct Row {
+        std::string found;
+        std::string left;
+        bool isComplete;
+    };
+    const std::string own = copy + "\n";
+    const Row rows[] = {
+        // The line that was added was changed, or nobody can tell which of both is gone.
+        {own + "b\n* [x] Call <2019-12-31\n", own + "b\n* [x] Call <2019-12-31\n", false},
+        {"b\n" + own, "b\n" + own, false},
+        {own + "b\n" + own + "c\n", own + "b\nc\n", true},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.found);
+        RunnerFixture f(with(before, target, own + "b\n"));
+        REQUIRE(f.schedule());
+        f.put({{target, row.found}});
+        const auto undone = f.undoLast();
+        REQUIRE(undone);
+        CHECK(undone->isComplete == row.isComplete);
+        CHECK(shown(f.notes()) ==
+              shown(with(with(before, target, row.left), source, before.at(source))));
     }
 }
 
