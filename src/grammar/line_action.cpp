@@ -23,11 +23,11 @@ public:
     bool matches(const char16_t* pattern) const { return match(pattern).has_value(); }
 
     /// The line with the match replaced; nothing where there is none.
-    std::optional<std::string> replaced(const char16_t* pattern, std::string_view with) const;
+    std::optional<std::string> replaced(const char16_t* pattern, const char* withTemplate) const;
 
 private:
     std::optional<base::RegexMatch> match(const char16_t* pattern) const {
-        return patterns::compiled(pattern).matchStart(_units);
+        return pattern == nullptr ? std::nullopt : patterns::compiled(pattern).matchStart(_units);
     }
     std::string_view bytesIn(const std::optional<base::TextRange>& range) const;
 
@@ -43,11 +43,12 @@ std::string_view Line::bytesIn(const std::optional<base::TextRange>& range) cons
     return _bytes.substr(start, base::byteOffset(_bytes, range->end()) - start);
 }
 
-std::optional<std::string> Line::replaced(const char16_t* pattern, std::string_view with) const {
+std::optional<std::string> Line::replaced(const char16_t* pattern, const char* withTemplate) const {
     const auto found = match(pattern);
     if (!found) {
         return std::nullopt;
     }
+    const std::string_view with = withTemplate == nullptr ? "" : withTemplate;
     std::string result;
     for (std::size_t at = 0; at < with.size(); ++at) {
         const char next = at + 1 < with.size() ? with[at + 1] : '\0';
@@ -62,36 +63,45 @@ std::optional<std::string> Line::replaced(const char16_t* pattern, std::string_v
     return result += _bytes.substr(bytesIn(found->groups[0]).size());
 }
 
-bool isExcluded(const LineAction& action, const Line& line) {
-    return action.exclusionPattern != nullptr && line.matches(action.exclusionPattern);
-}
-
 }  // namespace
 
-constinit const StateAction markAsDone{{patterns::actionableLine, patterns::anyBox, "$1[x] $2",
-                                        patterns::doneBox, withoutBox, nullptr},
+constinit const StateAction markAsDone{{.linePattern = patterns::actionableLine,
+                                        .applyTemplate = "$1[x] $2",
+                                        .stripPattern = patterns::anyBox,
+                                        .stripTemplate = withoutBox,
+                                        .appliedPattern = patterns::doneBox,
+                                        .removeTemplate = withoutBox},
                                        StateAction::DoneTag::stays};
 
-constinit const StateAction markAsCanceled{{patterns::actionableLine, patterns::anyBox, "$1[-] $2",
-                                            patterns::canceledBox, withoutBox, nullptr},
+constinit const StateAction markAsCanceled{{.linePattern = patterns::actionableLine,
+                                            .applyTemplate = "$1[-] $2",
+                                            .stripPattern = patterns::anyBox,
+                                            .stripTemplate = withoutBox,
+                                            .appliedPattern = patterns::canceledBox,
+                                            .removeTemplate = withoutBox},
                                            StateAction::DoneTag::goes};
 
-constinit const StateAction markAsScheduled{
-    {patterns::actionableLine, patterns::openOrScheduledBox, "$1[>] $2", patterns::scheduledBox,
-     withoutBox, patterns::doneOrCanceledBox},
-    StateAction::DoneTag::goes};
+constinit const StateAction markAsScheduled{{.linePattern = patterns::actionableLine,
+                                             .applyTemplate = "$1[>] $2",
+                                             .stripPattern = patterns::openOrScheduledBox,
+                                             .stripTemplate = withoutBox,
+                                             .appliedPattern = patterns::scheduledBox,
+                                             .removeTemplate = withoutBox,
+                                             .exclusionPattern = patterns::doneOrCanceledBox},
+                                            StateAction::DoneTag::goes};
 
 std::string applied(const LineAction& action, std::string_view line) {
     const Line read(line);
-    if (isExcluded(action, read)) {
+    if (read.matches(action.exclusionPattern)) {
         return std::string(line);
     }
-    const auto boxless = read.replaced(action.boxPattern, action.removeTemplate);
-    if (read.matches(action.appliedPattern)) {
-        return boxless.value_or(std::string(line));
+    if (auto without = read.replaced(action.appliedPattern, action.removeTemplate)) {
+        return *std::move(without);
     }
-    const auto result = boxless ? Line(*boxless).replaced(action.linePattern, action.applyTemplate)
-                                : read.replaced(action.linePattern, action.applyTemplate);
+    const auto stripped = read.replaced(action.stripPattern, action.stripTemplate);
+    const auto result = stripped
+                            ? Line(*stripped).replaced(action.linePattern, action.applyTemplate)
+                            : read.replaced(action.linePattern, action.applyTemplate);
     return result.value_or(std::string(line));
 }
 
@@ -114,7 +124,7 @@ std::string applied(const StateAction& action, std::string_view line) {
 
 bool isApplicable(const LineAction& action, std::string_view line) {
     const Line read(line);
-    return !isExcluded(action, read) && read.matches(action.linePattern);
+    return !read.matches(action.exclusionPattern) && read.matches(action.linePattern);
 }
 
 }  // namespace tessaly::grammar

@@ -7,16 +7,20 @@
 namespace tessaly::grammar {
 
 /// How a command changes a line. The patterns are in ICU syntax and count at the line's start only;
-/// in the templates `$1` … `$9` stand for groups.
+/// in the templates `$1` … `$9`, one digit each, stand for groups, and every other character for
+/// itself. Null: there is none; then nothing matches, and nothing is put in.
 struct LineAction {
-    /// A line must match it to be changed; 1 the marker with its blank · 2 the rest.
-    const char16_t* linePattern;
-    /// Finds a box that is there; 1 the marker without its blank · 2 the text behind the box.
-    const char16_t* boxPattern;
-    const char* applyTemplate;         ///< for the match of `linePattern`: puts the new box in
-    const char16_t* appliedPattern;    ///< the line has this state already
-    const char* removeTemplate;        ///< for the match of `boxPattern`: takes the state off
-    const char16_t* exclusionPattern;  ///< lines that match are left alone; null: none
+    /// What a line must match to be changed, and what is put in the match's place.
+    const char16_t* linePattern = nullptr;
+    const char* applyTemplate = nullptr;
+    /// What is taken off before that, a box or another prefix, and what stays of its match.
+    const char16_t* stripPattern = nullptr;
+    const char* stripTemplate = nullptr;
+    /// Finds that the line has been changed so already, and what stays of the match then.
+    const char16_t* appliedPattern = nullptr;
+    const char* removeTemplate = nullptr;
+    /// Lines that match are left alone.
+    const char16_t* exclusionPattern = nullptr;
 };
 
 /// A command that changes a task's state.
@@ -30,7 +34,7 @@ extern const StateAction markAsCanceled;
 extern const StateAction markAsScheduled;
 
 /// One line, which holds no "\n", after the action; an excluded one and one that the line pattern
-/// does not match stay as they are. A line that has the state already loses it, and its box. What
+/// does not match stay as they are. A line that has been changed so already is changed back. What
 /// stands behind a line terminator within the line (a carriage return, U+2028) stays. A line that
 /// ICU gives up, one with a million digits say, also stays as it is.
 std::string applied(const LineAction& action, std::string_view line);
@@ -40,7 +44,7 @@ std::string applied(const LineAction& action, std::string_view line);
 /// length of the line, and gives none up.
 std::string applied(const StateAction& action, std::string_view line);
 
-/// Whether the action would change the line, be it that it takes the state off.
+/// Whether the action would change a line with the line pattern, be it that it changes it back.
 bool isApplicable(const LineAction& action, std::string_view line);
 
 }  // namespace tessaly::grammar

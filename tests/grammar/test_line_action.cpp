@@ -96,9 +96,15 @@ TEST_CASE("no length makes a state action give a line up") {
 }
 
 TEST_CASE("a record that is no state's: what is missing is empty, and `$` may stand for itself") {
-    const LineAction shiftRight{u"^(.*)$", u"(?!)", "\t$1$2$", u"(?!)", "", nullptr};
+    const LineAction shiftRight{.linePattern = u"^(.*)$", .applyTemplate = "\t$1$2$"};
     CHECK(applied(shiftRight, "a\r") == "\ta$\r");
-    const LineAction heading{u"^(.*)$", u"^#+ (.*)", "## $1", u"^## (.*)", "$1", u"^> "};
+    const LineAction heading{.linePattern = u"^(.*)$",
+                             .applyTemplate = "## $1",
+                             .stripPattern = u"^#+ (.*)",
+                             .stripTemplate = "$1",
+                             .appliedPattern = u"^## (.*)",
+                             .removeTemplate = "$1",
+                             .exclusionPattern = u"^> "};
     CHECK(applied(heading, "# Plans") == "## Plans");
     CHECK(applied(heading, "## Plans") == "Plans");
     CHECK(applied(heading, "> Plans") == "> Plans");
