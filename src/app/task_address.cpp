@@ -32,6 +32,12 @@ base::Result<std::optional<std::size_t>> lineIndexOf(const TaskName& name) {
     return std::optional{number - 1};
 }
 
+Failure notALine(std::string_view text) {
+    const std::string words = base::tr("“{0}”: “{1}” is no line; lines are numbers from 1");
+    return {Failure::Kind::malformed,
+            fmt::format(fmt::runtime(words), text, text.substr(text.rfind(':') + 1))};
+}
+
 }  // namespace
 
 TaskName readTaskName(std::string_view text) {
@@ -57,7 +63,23 @@ base::Result<TaskAddress> TaskFinder::find(std::string_view text) {
         return lineIndex.failure();
     }
     const auto& note = noteCalled(name.note);
-    return note ? base::Result<TaskAddress>{{*note, *lineIndex}} : note.failure();
+    if (note) {
+        return TaskAddress{*note, *lineIndex};
+    }
+    if (name.line.empty()) {
+        return isLineMiswritten(name.note) ? notALine(name.note) : note.failure();
+    }
+    // A title may end in a colon and digits, too.
+    const auto& whole = noteCalled(base::trimmed(text));
+    if (whole) {
+        return TaskAddress{*whole, std::nullopt};
+    }
+    return name.note.empty() ? whole.failure() : note.failure();
+}
+
+bool TaskFinder::isLineMiswritten(std::string_view text) {
+    const auto colon = text.rfind(':');
+    return colon != std::string_view::npos && noteCalled(text.substr(0, colon)).ok();
 }
 
 const base::Result<NoteAddress>& TaskFinder::noteCalled(std::string_view text) {

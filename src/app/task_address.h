@@ -34,12 +34,13 @@ public:
     TaskFinder(Services& services, store::NoteReader::Options options);
 
     /// The line called `text`: "NOTE:LINE", NOTE as `findNote` takes it and LINE from 1. Failure:
-    /// `findNote`'s; `malformed`, in words for the user, for line 0 and numbers of more than nine
-    /// digits.
+    /// `findNote`'s; `malformed`, in words for the user, for line 0, numbers of more than nine
+    /// digits and, behind a note's name, what is no number.
     base::Result<TaskAddress> find(std::string_view text);
 
 private:
     const base::Result<NoteAddress>& noteCalled(std::string_view text);
+    bool isLineMiswritten(std::string_view text);
 
     Services& _services;
     const store::NoteReader::Options _options;

@@ -209,12 +209,33 @@ Outcome deleteTasks(Services& services, const TaskRequest& request,
                       });
 }
 
+namespace {
+
+/// Failure: in words for the user, too, where a line of the note is named.
+base::Result<NoteAddress> wholeNote(Services& services, TaskFinder& finder, const std::string& name,
+                                    const Options& options) {
+    auto note = findNote(services, name, options);
+    if (note || note.failure().kind != Failure::Kind::notFound) {
+        return note;
+    }
+    const auto line = finder.find(name);
+    if (!line || !line->lineIndex) {
+        return note;
+    }
+    return Failure{
+        Failure::Kind::malformed,
+        fmt::format(fmt::runtime(tr("“{0}” names a line; notes are archived as a whole")), name)};
+}
+
+}  // namespace
+
 Outcome archiveTasks(Services& services, const std::vector<std::string>& notes,
                      const Options& options) {
     std::vector<NoteName> names;
     std::vector<TaskRefusal> refusals;
+    TaskFinder finder{services, options};
     for (const std::string& note : notes) {
-        const auto address = findNote(services, note, options);
+        const auto address = wholeNote(services, finder, note, options);
         if (!address && address.failure().kind == Failure::Kind::cancelled) {
             return address.failure();
         }

@@ -66,6 +66,13 @@ public:
         return named.empty() ? nullptr : findVerb(named.front()->get_name());
     }
 
+    /// No other word stands before the verb.
+    bool isVerbFirst() const {
+        const auto words = _app.remaining(false);
+        return std::all_of(words.begin(), words.end(),
+                           [](const std::string& word) { return word.starts_with('-'); });
+    }
+
     base::Result<Invocation> parse(int argc, const char* const* argv) {
         try {
             _app.parse(guardedWords(argc, argv));
@@ -119,9 +126,7 @@ private:
                                         : tr("unknown option {}")),
                 shown));
         }
-        if (verb() != nullptr) {
-            return misuse(fmt::format(fmt::runtime(tr("unexpected argument “{}”")), shown));
-        }
+        // Verbs take words behind them, so this one stands before any: `archiv today`.
         const VerbRow* near = nearestVerb(word);
         if (near == nullptr) {
             return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”")), shown));
@@ -216,7 +221,7 @@ base::Result<Invocation> parseCommandLine(int argc, const char* const* argv) {
 const VerbRow* verbIn(int argc, const char* const* argv) {
     Parser parser;
     (void)parser.parse(argc, argv);
-    return parser.verb();
+    return parser.isVerbFirst() ? parser.verb() : nullptr;
 }
 
 const VerbRow* nearestVerb(std::string_view word) {

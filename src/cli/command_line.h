@@ -36,7 +36,8 @@ struct Invocation {
 /// Failure: misuse, told in the user's words.
 base::Result<Invocation> parseCommandLine(int argc, const char* const* argv);
 
-/// The verb that is named, also where all else is misuse; null when none is.
+/// The verb that is named, also where all else is misuse; null when none is, or when another word
+/// stands before it.
 const VerbRow* verbIn(int argc, const char* const* argv);
 
 /// The verb whose name is spelt most like `word`; null when none is near.

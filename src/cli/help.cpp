@@ -30,9 +30,22 @@ public:
 
     void paragraph(std::string_view text) { _text += wrapped(text, 0, _columns); }
 
-    void usage(std::string_view synopsis) {
-        _text += drawn({{Style::section, tr("Usage:")}}, _terminal);
-        _text += fmt::format(" {}\n", synopsis);
+    /// The words are never cut; those that go to another line stand below the first of them.
+    void usage(const std::vector<std::string>& words) {
+        const std::string label = tr("Usage:");
+        const std::size_t column = base::terminalWidth(label);
+        _text += drawn({{Style::section, label}}, _terminal);
+        std::size_t used = column;
+        for (const std::string& word : words) {
+            const std::size_t width = 1 + base::terminalWidth(word);
+            if (used > column && used + width > _columns) {
+                _text += "\n" + std::string(column, ' ');
+                used = column;
+            }
+            _text += " " + word;
+            used += width;
+        }
+        _text += "\n";
     }
 
     void section(const std::string& name, const std::vector<Entry>& entries) {
@@ -100,13 +113,16 @@ std::vector<Entry> verbEntries() {
     return entries;
 }
 
-std::string synopsisOf(const VerbRow& verb) {
-    std::string text = fmt::format("tessaly {}", verb.name);
+std::vector<std::string> synopsisOf(const VerbRow& verb) {
+    std::vector<std::string> words{fmt::format("tessaly {}", verb.name)};
     for (const OptionRow& row : verb.options) {
-        text += row.argument == nullptr ? fmt::format(" [{}]", row.name)
-                                        : fmt::format(" [{} {}]", row.name, row.argument);
+        words.push_back(row.argument == nullptr ? fmt::format("[{}]", row.name)
+                                                : fmt::format("[{} {}]", row.name, row.argument));
     }
-    return *verb.synopsis == '\0' ? text : fmt::format("{} {}", text, verb.synopsis);
+    if (*verb.synopsis != '\0') {
+        words.emplace_back(verb.synopsis);
+    }
+    return words;
 }
 
 }  // namespace
@@ -117,7 +133,7 @@ std::string versionText() {
 
 std::string helpText(const Terminal& terminal) {
     Page page{terminal};
-    page.usage(tr("tessaly [VERB] [OPTION]…"));
+    page.usage({tr("tessaly [VERB] [OPTION]…")});
     page.gap();
     page.paragraph(
         tr("A planner that keeps everything in plain-text notes. Without a verb it "

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <optional>
 #include <string>
@@ -14,10 +13,9 @@
 #include "base/utf8.h"
 #include "cli/change_report.h"
 #include "cli/context.h"
-#include "cli/json_times.h"
 #include "cli/safe_text.h"
-#include "cli/spans.h"
 #include "cli/task_change_rows.h"
+#include "cli/undo_rows.h"
 #include "cli/verb_functions.h"
 
 namespace tessaly::cli {
@@ -26,72 +24,9 @@ namespace {
 
 using base::N_;
 using base::tr;
-using store::ChangeCause;
 using tasks::LineEdit;
 using tasks::NoteName;
 using tasks::Operation;
-
-struct CauseWords {
-    ChangeCause cause;
-    const char* text;  // {0} is what was changed, {1} the day
-};
-
-constexpr std::array causes{
-    CauseWords{ChangeCause::completed, N_("Completed: {0}")},
-    CauseWords{ChangeCause::cancelled, N_("Cancelled: {0}")},
-    CauseWords{ChangeCause::reopened, N_("Reopened: {0}")},
-    CauseWords{ChangeCause::scheduled, N_("Scheduled to {1}: {0}")},
-    CauseWords{ChangeCause::repeated, N_("Repeated: {0}")},
-    CauseWords{ChangeCause::deleted, N_("Deleted: {0}")},
-    CauseWords{ChangeCause::archived, N_("Archived: {0}")},
-};
-
-/// The notes of an operation, in the order in which it changes them.
-std::vector<NoteName> notesOf(const Operation& operation) {
-    std::vector<NoteName> notes;
-    for (const tasks::NoteStep& step : operation.steps) {
-        const NoteName note{step.type, step.filename};
-        if (std::find(notes.begin(), notes.end(), note) == notes.end()) {
-            notes.push_back(note);
-        }
-    }
-    return notes;
-}
-
-/// "Scheduled to 2020-01-03: Call Bob (2 tasks)".
-std::string wordsOf(const Operation& operation) {
-    const auto row = std::find_if(causes.begin(), causes.end(), [&](const CauseWords& one) {
-        return one.cause == operation.cause;
-    });
-    const std::string day = operation.day ? base::tagText(*operation.day) : std::string{};
-    std::string words = fmt::format(fmt::runtime(row == causes.end() ? "{0}" : tr(row->text)),
-                                    safeText(base::trimmed(operation.title)), day);
-    if (operation.tasks > 1) {
-        const std::string count =
-            base::trPlural("({} task)", "({} tasks)", static_cast<unsigned long>(operation.tasks));
-        words += " " + fmt::format(fmt::runtime(count), operation.tasks);
-    }
-    return words;
-}
-
-std::string timeWords(Context& context, const Operation& operation) {
-    const base::LocalTime time = context.services.ports().clock.local(operation.time);
-    const grammar::DateStringHelper& words = context.services.dateStrings();
-    return fmt::format("{} {}", words.dateWithYear(time.day), words.time(time));
-}
-
-JsonObject& describe(JsonObject& object, const Operation& operation) {
-    object.add("time", rfc3339(operation.time))
-        .add("cause", base::rawValue(operation.cause))
-        .add("title", operation.title)
-        .add("tasks", operation.tasks);
-    if (operation.day) {
-        object.add("day", base::tagText(*operation.day));
-    }
-    return object;
-}
-
-// What was undone.
 
 struct EditWords {
     std::string_view name;  // for programs
@@ -113,6 +48,10 @@ std::string lineOf(Context& context, const NoteName& note, const LineEdit& edit)
     return drawnChange(context, "  " + text, line);
 }
 
+bool isWhole(const tasks::Undone& undone) {
+    return undone.isComplete && !undone.leftCopies;
+}
+
 std::string headingOf(Context& context, const app::UndoneOperation& one) {
     if (context.invocation.json) {
         JsonObject object;
@@ -122,18 +61,35 @@ std::string headingOf(Context& context, const app::UndoneOperation& one) {
             .add("leftCopies", one.undone.leftCopies)
             .text();
     }
-    const std::string words = one.undone.isComplete ? tr("Undone: {}") : tr("Undone in part: {}");
-    return drawnChange(context, fmt::format(fmt::runtime(words), wordsOf(one.operation)), {});
+    const std::string words = isWhole(one.undone)        ? tr("Undone: {}")
+                              : one.undone.steps.empty() ? tr("Not undone: {}")
+                                                         : tr("Undone in part: {}");
+    return drawnChange(context, fmt::format(fmt::runtime(words), countedWordsOf(one.operation)),
+                       {});
+}
+
+/// Lines that went back to their place are told once, and empty ones not at all.
+bool isWorthTelling(const tasks::NoteStep& step, const LineEdit& edit) {
+    if (edit.kind != LineEdit::Kind::remove) {
+        return true;
+    }
+    const bool wentBack =
+        std::any_of(step.edits.begin(), step.edits.end(), [&](const LineEdit& other) {
+            return other.kind == LineEdit::Kind::insert && other.after == edit.before;
+        });
+    return !wentBack && !base::trimmed(edit.before).empty();
 }
 
 void addLines(Context& context, const app::UndoneOperation& one, ChangeReport& report) {
     report.lines.push_back(headingOf(context, one));
     for (const tasks::NoteStep& step : one.undone.steps) {
         for (const LineEdit& edit : step.edits) {
-            report.lines.push_back(lineOf(context, {step.type, step.filename}, edit));
+            if (context.invocation.json || isWorthTelling(step, edit)) {
+                report.lines.push_back(lineOf(context, {step.type, step.filename}, edit));
+            }
         }
     }
-    if (!one.undone.isComplete) {
+    if (!isWhole(one.undone)) {
         report.exit = Exit::couldNot;
     }
 }
@@ -164,35 +120,6 @@ ChangeReport undoLast(Context& context, app::Services& services, std::size_t cou
     return report;
 }
 
-// What can be undone.
-
-std::string recordOf(const Operation& operation, std::size_t number) {
-    std::vector<std::string> notes;
-    for (const NoteName& note : notesOf(operation)) {
-        notes.push_back(fmt::format("{}/{}", base::folderName(note.type), note.filename));
-    }
-    JsonObject object;
-    object.add("number", number);
-    return describe(object, operation).add("notes", notes).text();
-}
-
-std::string rowOf(Context& context, const Operation& operation, std::size_t number,
-                  std::size_t digits) {
-    const Terminal& terminal = context.terminal;
-    std::vector<std::string> notes;
-    for (const NoteName& note : notesOf(operation)) {
-        notes.push_back(noteWords(context, note));
-    }
-    const Spans left{{Style::date, fmt::format("{:>{}}", number, digits)},
-                     {Style::plain, "  " + timeWords(context, operation)},
-                     {Style::plain, "  " + wordsOf(operation)}};
-    const Spans right{{Style::dim, fmt::format("{}", fmt::join(notes, ", "))}};
-    if (terminal.isTerminal) {
-        return drawn(withRightPart(left, right, terminal), terminal);
-    }
-    return drawn(left, terminal) + "  " + drawn(right, terminal);
-}
-
 Exit listOperations(Context& context, std::size_t most) {
     const auto operations = app::listUndo(context.services, most);
     if (!operations) {
@@ -201,12 +128,7 @@ Exit listOperations(Context& context, std::size_t most) {
     if (operations->empty() && context.terminal.isTerminal && !context.invocation.json) {
         context.out.line(tr("There is nothing to undo."));
     }
-    const std::size_t digits = std::to_string(operations->size()).size();
-    for (std::size_t index = 0; index < operations->size(); ++index) {
-        const Operation& operation = (*operations)[index];
-        context.out.line(context.invocation.json ? recordOf(operation, index + 1)
-                                                 : rowOf(context, operation, index + 1, digits));
-    }
+    printOperations(context, *operations);
     return Exit::done;
 }
 

@@ -82,8 +82,8 @@ constexpr std::array rows{
         N_("Gives tasks the box [x] and, with the setting isAppendCompletionLinks, the time, as "
            "in @done(2019-12-31 14:07). Lines are counted from 1; tessaly tasks prints them "
            "as they are named here. A task that is done already stays as it is.\n\n"
-           "When one of several lines cannot be changed, the others are all the same. tessaly "
-           "undo takes the whole change back."),
+           "When one of several lines cannot be changed, the others still are, and the exit status "
+           "is 1. tessaly undo takes the whole change back."),
         stepOptions, doneExamples, runDone},
     VerbRow{"cancel", "NOTE:LINE...", 1, manyArguments, notes, N_("Mark tasks as cancelled"),
             N_("Gives tasks the box [-], and takes the tag @done(…) off them. A task that is "
@@ -109,11 +109,11 @@ constexpr std::array rows{
         N_("Repeat tasks on later days, or delete them"),
         N_("This will copy the selection to multiple notes. Delete the full line to delete all "
            "repeats.\n\n"
-           "The selection is the lines that are named. The days are counted from the day of their "
-           "note, which is a day's; each copy is open and gets a tag that counts it: @repeat(1/4). "
-           "When the last one is done, it gets the tag @final-repeat.\n\n"
-           "--delete deletes lines. Where one has a repeat tag and there are later copies of it, "
-           "you are asked whether they go, too."),
+           "The selection is the lines that are named, of the note of a day; the days are counted "
+           "from there. Each copy is open and gets a tag that counts it: @repeat(1/4). When the "
+           "last one is done, it gets the tag @final-repeat.\n\n"
+           "--delete deletes the lines that are named, of any note. Where one has a repeat tag and "
+           "there are later copies of it, you are asked whether they go, too."),
         repeatOptions, repeatExamples, runRepeat},
     VerbRow{"archive", "NOTE...", 1, manyArguments, notes,
             N_("Move processed tasks to the end of their note"),

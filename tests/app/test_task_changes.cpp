@@ -38,13 +38,15 @@ const NameRow nameRows[] = {
     {"-1w:7", "Calendar/20190226.txt 6"},
     {"Work/Plans:999999999", "Notes/Work/Plans.txt 999999998"},
     {"meeting 14:30:2", "Notes/Work/Plans.txt 1"},
-    {"Meeting 14:30", "there is no note called “Meeting 14”"},  // which is the line 30 of it
+    {"Meeting 14:30", "Notes/Work/Plans.txt -"},
+    {"Meeting 15:30", "there is no note called “Meeting 15”"},
     {"today", "Calendar/20190305.txt -"},
-    {"today:", "there is no note called “today:”"},
-    {"today:-1", "there is no note called “today:-1”"},
+    {"today:", "“today:”: “” is no line; lines are numbers from 1"},
+    {"today:2,3", "“today:2,3”: “2,3” is no line; lines are numbers from 1"},
+    {"nope:-1", "there is no note called “nope:-1”"},
     {"today:0", "“today:0”: there is no line 0"},
     {"today:1000000000", "“today:1000000000”: there is no line 1000000000"},
-    {":3", "there is no note called “”"},
+    {":3", "there is no note called “:3”"},
 };
 
 void check(app::TaskFinder& finder, const NameRow& row) {
