@@ -8,8 +8,8 @@ namespace tessaly::base {
 
 /// Writes one diagnostic line: a fixed English text and, behind it, what it was about (a path, an
 /// error's description), which may be empty. Any thread; lines never mix. Line breaks inside
-/// become blanks, so that one failure is one line. Note contents are never logged, with the
-/// one exception that the tag lists' message names.
+/// become blanks, so that one failure is one line. Note contents are never logged, but for a line
+/// that the messages of the tag lists and of numbering name.
 void log(std::string_view fixedText, std::string_view subject = {});
 
 /// Where log lines go, without their line break.
