@@ -21,6 +21,12 @@ namespace {
 
 using base::tr;
 
+/// Whether the output goes to another program, which wants no notes, and no word that it did not
+/// ask for: an editor may put all that it reads into the text.
+bool isForPrograms(const VerbRow* verb) {
+    return verb != nullptr && (verb->run == runMark || verb->run == runRpc);
+}
+
 /// A folder that the user named must be there: else a slip of the pen would look like an empty one.
 bool isNamedRootThere(app::Services& services) {
     const auto& root = services.ports().dataFolder;
@@ -67,8 +73,10 @@ void settle(app::Services& services, const Invocation& invocation) {
 }
 
 void tellOfDamagedSettings(const Context& context) {
-    const bool isReported = context.invocation.verb == findVerb("doctor");
-    if (!isReported && context.services.ports().standardDefaults.problem()) {
+    const VerbRow* verb = context.invocation.verb;
+    const bool isReported = verb == findVerb("doctor");
+    if (!isReported && !isForPrograms(verb) &&
+        context.services.ports().standardDefaults.problem()) {
         complain(
             tr("the settings cannot be read, so all have their defaults; see: tessaly doctor"));
     }
@@ -77,7 +85,7 @@ void tellOfDamagedSettings(const Context& context) {
 void tellOfMissingCloudDrive(const Context& context) {
     const VerbRow* verb = context.invocation.verb;
     const bool isReported = verb == findVerb("doctor") || verb == findVerb("migrate");
-    if (!isReported && context.services.isCloudDriveMissing()) {
+    if (!isReported && !isForPrograms(verb) && context.services.isCloudDriveMissing()) {
         complain(fmt::format(
             fmt::runtime(tr("the cloud drive's folder cannot be used now, so these are the local "
                             "notes: {}")),
@@ -135,7 +143,7 @@ std::optional<Exit> runWithoutServices(const Invocation& invocation, Output& out
 
 Exit run(app::Services& services, const Invocation& invocation, Output& out,
          const std::atomic<bool>& cancelled) {
-    if (!isNamedRootThere(services)) {
+    if (!isForPrograms(invocation.verb) && !isNamedRootThere(services)) {
         return Exit::couldNot;
     }
     const app::UsageLog usage;  // off: a sink is for those who want to know

@@ -21,6 +21,8 @@ std::string_view kindName(grammar::MarkKind kind) {
     }
 }
 
+}  // namespace
+
 std::vector<JsonObject> dateTagRecords(std::string_view line) {
     std::vector<JsonObject> records;
     for (const grammar::DateTag& tag : grammar::DateTags::findDateTags(line)) {
@@ -33,8 +35,6 @@ std::vector<JsonObject> dateTagRecords(std::string_view line) {
     }
     return records;
 }
-
-}  // namespace
 
 std::vector<JsonObject> textRecords(app::Services& services, const grammar::NoteText& note) {
     std::vector<JsonObject> records;

@@ -9,10 +9,11 @@
 namespace tessaly::cli {
 
 /// The table of verbs by topic: those that read notes, those that change tasks, those that
-/// change notes, and the rest.
+/// change notes, those for editors, and the rest.
 std::span<const VerbRow> readingVerbs();
 std::span<const VerbRow> taskVerbs();
 std::span<const VerbRow> writingVerbs();
+std::span<const VerbRow> editingVerbs();
 std::span<const VerbRow> otherVerbs();
 
 /// Days that are completed by their words.

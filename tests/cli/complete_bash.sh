@@ -37,6 +37,7 @@ check 'Notes/Home/Books.txt|Notes/Home/Garten.txt' show Notes/Home/
 check 'Notes/Reading list.txt' show 'Notes/Reading\ l'
 check '' --root nowhere show Notes/
 check 'get|list|reset|set' settings ''
+check 'markAsCanceled|markAsDone|markAsScheduled' mark markAs
 check 'append|overwrite|prepend' add x --mode ''
 check 'Notes/Home/Books.txt' add x --to Notes/Home/B
 check 'Notes/Home/Garten.txt' trash Notes/Home/Books.txt Notes/Home/G
