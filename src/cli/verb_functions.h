@@ -13,6 +13,7 @@ Exit runWeek(Context& context);
 Exit runOverdue(Context& context);
 Exit runList(Context& context);
 Exit runShow(Context& context);
+Exit runWhere(Context& context);
 Exit runTasks(Context& context);
 Exit runTags(Context& context);
 Exit runMentions(Context& context);

@@ -58,6 +58,9 @@ constexpr std::array listExamples{
     ExampleRow{"tessaly list --folder Work", N_("the notes in the folder Work")},
     ExampleRow{"tessaly list --all --json", N_("every note, with its counts and tags")},
 };
+constexpr std::array whereExamples{
+    ExampleRow{"vim \"$(tessaly where today)\"", N_("today's note in an editor")},
+};
 constexpr std::array showExamples{
     ExampleRow{"tessaly show today", N_("today's note")},
     ExampleRow{"tessaly show Work/Plans.txt", N_("a note by its file")},
@@ -143,6 +146,19 @@ constexpr std::array rows{
             {},
             showExamples,
             runShow},
+    VerbRow{"where",
+            "[NOTE]",
+            0,
+            1,
+            {Completion::note, dayWords},
+            N_("File of a note, or the data folder"),
+            N_("Prints the path of NOTE's file, for editors and scripts; without NOTE, that of the "
+               "data folder. The file of a day need not be there yet.\n\n"
+               "NOTE is a day, written as for the verb day, the name of a file relative to its "
+               "folder, or a title."),
+            {},
+            whereExamples,
+            runWhere},
     VerbRow{"tasks",
             "",
             0,
