@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/enum_names.h"
+#include "base/graphemes.h"
 #include "base/log.h"
 #include "base/utf8.h"
 #include "editor/editor_commands.h"
@@ -38,6 +39,24 @@ Marks marksOf(std::string_view applyTemplate) {
 ByteSpan within(ByteSpan span, ByteSpan limits) {
     const std::size_t start = std::clamp(span.start, limits.start, limits.end);
     return {start, std::clamp(span.end, start, limits.end)};
+}
+
+/// The last border between user-perceived characters up to a place.
+std::size_t borderUpTo(std::string_view text, std::size_t place) {
+    const ByteSpan line = linesTouched(text, {place, place}).front();
+    return line.start + base::cutToBytes(line.in(text), place - line.start).size();
+}
+
+/// A mark between a letter and its accent would take the accent: a selection that ends within a
+/// user-perceived character takes all of it, and a cursor there stands before it.
+ByteSpan ofWholeCharacters(std::string_view text, ByteSpan selected) {
+    const std::size_t start = borderUpTo(text, selected.start);
+    if (selected.start == selected.end) {
+        return {start, start};
+    }
+    const std::size_t end = borderUpTo(text, selected.end);
+    const bool isWhole = end == selected.end;
+    return {start, isWhole ? end : end + base::firstGraphemes(text.substr(end), 1).size()};
 }
 
 /// A line without the carriage return that belongs to its break.
@@ -210,7 +229,8 @@ Edit InlineCommand::editSelecting(Side start, Side end) const {
 
 std::optional<Edit> applyInline(const MarkRecord& record, MarkAction action, std::string_view text,
                                 base::TextRange selection) {
-    InlineCommand command(record, action, text, bytesOf(text, selection));
+    const ByteSpan selected = ofWholeCharacters(text, bytesOf(text, selection));
+    InlineCommand command(record, action, text, selected);
     return selection.length == 0 ? command.atCursor() : command.onWords();
 }
 

@@ -21,9 +21,9 @@ struct MarkRecord;
 ///   they are taken off. A link is made of the word under the cursor, and has the cursor where its
 ///   address goes; without a word the cursor is where the words go.
 /// - What was selected stays so: within new marks if it was just the words, else around them.
-/// - Lines that the record excludes, and blank ones, stay as they are; with nothing selected a
-/// blank
-///   line gets its marks.
+/// - Lines that the record excludes stay as they are, and so do blank ones; with nothing selected a
+///   blank line gets its marks.
+/// - A user-perceived character is selected as a whole; a cursor within one stands before it.
 ///
 /// Nothing: no line is changed. Where that is because there is nothing to put marks around it is
 /// logged: "Could not insert mark " with the action.
