@@ -65,19 +65,4 @@ void Planner::write(std::string_view notes) {
     finish();
 }
 
-std::map<std::string, std::string> Planner::everything() const {
-    std::map<std::string, std::string> all;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(_folder.path())) {
-        const std::string name = std::filesystem::relative(entry.path(), _folder.path());
-        if (entry.is_symlink()) {
-            all[name] = std::filesystem::read_symlink(entry.path());
-        } else if (entry.is_directory()) {
-            all[name + "/"];
-        } else {
-            all[name] = _folder.read(name);
-        }
-    }
-    return all;
-}
-
 }  // namespace tessaly::tests

@@ -57,9 +57,8 @@ public:
     /// What the user was asked or told, in order.
     const std::vector<ports::Question>& questions() const { return _questions; }
 
-    /// Every file below the folder and what it holds; folders end in "/",
-    /// links hold where they lead.
-    std::map<std::string, std::string> everything() const;
+    /// `everything` of the folder.
+    std::map<std::string, std::string> everything() const { return _folder.everything(); }
 
 private:
     LogCapture _log;  // keeps diagnostics out of the tests' output

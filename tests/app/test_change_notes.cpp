@@ -30,24 +30,17 @@ const NewRow newRows[] = {
     {{"Ideas", "", "one\ntwo"}, "Ideas.txt", "# Ideas\none\ntwo\n"},
     {{"Ideas", "", "one\n"}, "Ideas.txt", "# Ideas\none\n"},
     {{" Two\nlines\r\n", "", ""}, "Two lines.txt", "# Two lines\n"},
-    {{"## Ideas", "", ""}, "Ideas.txt", "## Ideas\n"},
     {{"plans", "", ""}, "plans 2.txt", "# plans\n"},  // differs from one there in case alone
     {{"Ideas", "Home/Garden/", ""}, "Home/Garden/Ideas.txt", "# Ideas\n"},
     {{"Ideas", "Notes/Home", ""}, "Home/Ideas.txt", "# Ideas\n"},
-    {{"Ideas", "Notes", ""}, "Ideas.txt", "# Ideas\n"},
     {{"", "", "* Buy milk"}, "Buy milk.txt", "* Buy milk\n"},
-    {{"", "", ""}, "Untitled - 05-Mar-2019 14-07-33.txt", ""},
-    {{"a/b: c?", "", ""}, "ab c.txt", "# a/b: c?\n"},
     {{"Ideas", "", "\xEF\xBB\xBFone"}, "Ideas.txt", "# Ideas\none\n"},
     {{"Ideas", "", "\xFF"}, "", ""},
     {{"\xFF", "", ""}, "", ""},
     {{"Ideas", "", std::string("a\0b", 3)}, "", ""},
     {{"Ideas", "../Notes", ""}, "", ""},
-    {{"Ideas", "/tmp", ""}, "", ""},
     {{"Ideas", "Home/.hidden", ""}, "", ""},
     {{"Ideas", "_attachments", ""}, "", ""},
-    {{"Ideas", "a\nb", ""}, "", ""},
-    {{"Ideas", "\xFF", ""}, "", ""},
 };
 
 void check(const NewRow& row) {
@@ -77,13 +70,7 @@ struct AddRow {
 const AddRow addRows[] = {
     {{"today", "* Call"}, "created Calendar/20190305.txt", "* Call"},
     {{"yesterday", "* Call"}, "added Calendar/20190304.txt", "Monday\n* Call\n"},
-    {{"yesterday", "* Call", base::WriteMode::prepend},
-     "added Calendar/20190304.txt",
-     "* Call\nMonday\n"},
     {{"yesterday", "New", base::WriteMode::overwrite}, "overwritten Calendar/20190304.txt", "New"},
-    {{"yesterday", "Monday\n", base::WriteMode::overwrite},
-     "unchanged Calendar/20190304.txt",
-     "Monday\n"},
     {{"yesterday", ""}, "unchanged Calendar/20190304.txt", "Monday\n"},
     {{"today", ""}, "unchanged Calendar/20190305.txt", "-"},
     {{"work plans", "more"}, "added Notes/Work/Plans.txt", "# Work plans\nmore\n"},

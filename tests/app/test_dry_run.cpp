@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <array>
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <doctest/doctest.h>
@@ -33,22 +31,6 @@ using tests::TempFolder;
 
 platform::FixedClock clockOf(std::string_view time) {
     return platform::FixedClock(platform::parseTime(time).value());
-}
-
-/// Every name below a folder, when it was last changed, and what it holds.
-using State = std::map<std::string, std::tuple<std::filesystem::file_time_type, std::string>>;
-
-State stateOf(const TempFolder& folder) {
-    State state;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
-        const std::string name = std::filesystem::relative(entry.path(), folder.path());
-        state[name] = entry.is_symlink()
-                          ? std::tuple{std::filesystem::file_time_type{},
-                                       std::filesystem::read_symlink(entry.path()).string()}
-                          : std::tuple{entry.last_write_time(),
-                                       entry.is_directory() ? "" : folder.read(name)};
-    }
-    return state;
 }
 
 TEST_CASE("pretended changes keep the contract of changes, and write nothing") {
@@ -154,22 +136,20 @@ std::string viewOf(const User& user) {
 
 using Texts = std::map<std::string, std::string>;
 
-Texts textsIn(const TempFolder& folder) {
-    Texts texts;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
-        if (entry.symlink_status().type() == std::filesystem::file_type::regular) {
-            texts[entry.path()] =
-                folder.read(entry.path().lexically_relative(folder.path()).string());
-        }
-    }
-    return texts;
+/// The links lead to absolute paths, as no text begins.
+Texts filesOf(Texts things) {
+    std::erase_if(things, [](const auto& thing) {
+        return thing.first.ends_with('/') || thing.second.starts_with('/');
+    });
+    return things;
 }
 
-/// What files come to by changes that tell the truth of them.
-Texts changed(const Texts& before, const std::vector<FileChange>& changes) {
-    Texts after = before;
+/// What the files of a folder come to by changes that tell the truth of them.
+Texts changed(const Texts& before, const std::vector<FileChange>& changes, const User& user) {
+    const auto nameOf = [&](const std::string& path) { return path.substr((user / "").size()); };
+    Texts after = filesOf(before);
     for (const FileChange& change : changes) {
-        const std::string& source = change.movedFrom.value_or(change.path);
+        const std::string source = nameOf(change.movedFrom.value_or(change.path));
         if (change.before) {
             CHECK(before.at(source) == change.before);
             after.erase(source);
@@ -177,18 +157,10 @@ Texts changed(const Texts& before, const std::vector<FileChange>& changes) {
     }
     for (const FileChange& change : changes) {
         if (change.after) {
-            CHECK(after.emplace(change.path, *change.after).second);
+            CHECK(after.emplace(nameOf(change.path), *change.after).second);
         }
     }
     return after;
-}
-
-Texts moved(const Texts& texts, const std::string& from, const std::string& to) {
-    Texts result;
-    for (const auto& [path, text] : texts) {
-        result[to + path.substr(from.size())] = text;
-    }
-    return result;
 }
 
 void checkAgainstRealChanges(unsigned seed) {
@@ -196,7 +168,7 @@ void checkAgainstRealChanges(unsigned seed) {
     const TempFolder changedForReal;
     fill(pretended);
     fill(changedForReal);
-    const State before = stateOf(pretended);
+    const Texts before = pretended.everything();
     platform::PosixFileSystem real;
     platform::PosixFileChanges changes;
     auto clock = clockOf("2019-03-05");
@@ -215,9 +187,8 @@ void checkAgainstRealChanges(unsigned seed) {
         CHECK(take(step, pretender) == take(step, doer));
         REQUIRE(viewOf(pretender) == viewOf(doer));
     }
-    CHECK(stateOf(pretended) == before);
-    CHECK(changed(textsIn(pretended), files.changes()) ==
-          moved(textsIn(changedForReal), changedForReal.path(), pretended.path()));
+    CHECK(pretended.everything() == before);
+    CHECK(changed(before, files.changes(), pretender) == filesOf(changedForReal.everything()));
 }
 
 TEST_CASE("pretended changes show what real ones would") {
@@ -246,7 +217,7 @@ TEST_CASE("a dry run tells what would change, changes nothing and logs nothing")
         "-- Calendar/20190305.txt\n* one\n-- Notes/Old.txt\nold\n-- Notes/Stay.txt\nstay\n");
     planner.set(R"({"isDashTodo": true})");
     const std::string root = planner.folder() / Planner::root;
-    const State before = stateOf(planner.folder());
+    const auto before = planner.everything();
     const tests::LogCapture log;
     {
         DryRun dryRun(planner.services());
@@ -275,7 +246,7 @@ TEST_CASE("a dry run tells what would change, changes nothing and logs nothing")
               "Notes/Sub/Moved.txt [stay\n] [stay\n] from Notes/Stay.txt\n"
               "Notes/Sub/New.txt [-] [new\n]\n");
     }
-    CHECK(stateOf(planner.folder()) == before);
+    CHECK(planner.everything() == before);
     CHECK(planner.services().globals().isDashTodo());
     CHECK(log.lines().empty());
     base::log("heard again");

@@ -18,79 +18,50 @@ struct DayRow {
 };
 
 const DayRow dayRows[] = {
-    {"20190228", "2019-02-28"},
     {"2019-02-28", "2019-02-28"},
     {" Today ", "2019-03-05"},
-    {"TOMORROW", "2019-03-06"},
     {"yesterday", "2019-03-04"},
     {"+3d", "2019-03-08"},
     {"-1W", "2019-02-26"},
     {"+2m", "2019-05-05"},
-    {"-36m", "2016-03-05"},
     {"+1y", "2020-03-05"},
-    {"+0d", "2019-03-05"},
     {"wed", "2019-03-06"},
     {"Monday", "2019-03-11"},
     {"tue", "2019-03-12"},  // today is a Tuesday: the next one is meant
-    {"freitag", "2019-03-08", "de_DE"},
     {"Mi.", "2019-03-06", "de_DE"},
     {"mi", "2019-03-06", "de_DE"},
-    {"fri", "2019-03-08", "de_DE"},
     {"SA\xcc\x81"
      "bado",
      "2019-03-09", "es_ES"},  // a letter and its accent apart
     {"", ""},
-    {"20190229", ""},
-    {"2019-2-28", ""},
     {"fr", ""},
     {"+d", ""},
     {"3d", ""},
     {"+-3d", ""},
     {"+3", ""},
-    {"+3x", ""},
     {"+9999y", ""},
-    {"-9999y", ""},
     {"+99999d", ""},
-    {"next week", ""},
 };
 
 constexpr const char* notes =
-    "-- Calendar/20190305.txt\n"
-    "* Task\n"
-    "-- Calendar/2019-3-5.txt\n"
-    "Stray\n"
-    "-- Notes/Plans.md\n"
-    "# Plans\n"
-    "-- Notes/Work/Plans.txt\n"
-    "# Plans\n"
-    "-- Notes/Work/Budget.txt\n"
-    "## Budget 2019\n"
-    "-- Notes/Work/Budget (conflicted).txt\n"
-    "## Budget 2019\n"
-    "-- Notes/Work/Budget.txt.conflict1\n"
-    "## Budget 2019\n"
-    "-- Notes/Work/v1.2.txt\n"
-    "Version\n"
-    "-- Notes/Caf\xc3\xa9.txt\n"
-    "# Cafe\xcc\x81 notes\n"
-    "-- Notes/First.txt\n"
-    "# Reading list\n"
-    "-- Notes/Second.txt\n"
-    "# reading LIST\n"
-    "-- Notes/Third.txt\n"
-    "# Groceries\n"
-    "-- Notes/Fourth.txt\n"
-    "# Groceries\n"
-    "-- Notes/Latin.txt\n"
-    "# caf\xe9\n"
-    "-- Notes/Calendar/Meetings.txt\n"
-    "# Meetings\n"
-    "-- Notes/20181224.txt\n"
-    "# Christmas\n"
-    "-- Notes/.hidden.txt\n"
-    "# Hidden\n"
-    "-- Notes/photo.png\n"
-    "no note\n";
+    "-- Calendar/20190305.txt\n* Task\n"
+    "-- Calendar/2019-3-5.txt\nStray\n"
+    "-- Notes/Plans.md\n# Plans\n"
+    "-- Notes/Work/Plans.txt\n# Plans\n"
+    "-- Notes/Work/Budget.txt\n## Budget 2019\n"
+    "-- Notes/Work/Budget (conflicted).txt\n## Budget 2019\n"
+    "-- Notes/Work/Budget.txt.conflict1\n## Budget 2019\n"
+    "-- Notes/Work/v1.2.txt\nVersion\n"
+    "-- Notes/Caf\xc3\xa9.txt\n# Cafe\xcc\x81 notes\n"
+    "-- Notes/First.txt\n# Reading list\n"
+    "-- Notes/Second.txt\n# reading LIST\n"
+    "-- Notes/Third.txt\n# Groceries\n"
+    "-- Notes/Fourth.txt\n# Groceries\n"
+    "-- Notes/Latin.txt\n# caf\xe9\n"
+    "-- Notes/Calendar/Meetings.txt\n# Meetings\n"
+    "-- Notes/20181224.txt\n# Christmas\n"
+    "-- Notes/.hidden.txt\n# Hidden\n"
+    "-- Notes/photo.png\nno note\n";
 
 struct AddressRow {
     std::string text;
@@ -101,26 +72,20 @@ const AddressRow addressRows[] = {
     // Days, whether there is a note or not.
     {"today", "Calendar/20190305.txt 2019-03-05"},
     {"2019-03-06", "Calendar/20190306.txt 2019-03-06"},
-    {"20190306.txt", "Calendar/20190306.txt 2019-03-06"},
     {"Calendar/20190306.txt", "Calendar/20190306.txt 2019-03-06"},
-    {"Calendar/20190306", "Calendar/20190306.txt 2019-03-06"},
     {"20181224.txt", "Notes/20181224.txt"},
     {"Calendar/2019-3-5.txt", "Calendar/2019-3-5.txt"},
     // File names.
     {"Work/Plans.txt", "Notes/Work/Plans.txt"},
-    {"Notes/Work/Plans.txt", "Notes/Work/Plans.txt"},
     {"Work/Plans", "Notes/Work/Plans.txt"},
     {"Plans", "Notes/Plans.md"},
     {"Work/v1.2", "Notes/Work/v1.2.txt"},
     {"Calendar/Meetings", "Notes/Calendar/Meetings.txt"},
     {"work/budget.TXT", "Notes/Work/Budget.txt"},
     {"Cafe\xcc\x81", "Notes/Caf\xc3\xa9.txt"},
-    {"Latin", "Notes/Latin.txt"},
-    {"Work/Budget (conflicted)", "Notes/Work/Budget (conflicted).txt"},
     {"Work/Budget.txt.conflict1", "Notes/Work/Budget.txt.conflict1"},
     // Titles.
     {"Budget 2019", "Notes/Work/Budget.txt"},
-    {"  budget 2019", "Notes/Work/Budget.txt"},
     {"Caf\xc3\xa9 notes", "Notes/Caf\xc3\xa9.txt"},
     {"reading LIST", "Notes/Second.txt"},
     {"Meetings", "Notes/Calendar/Meetings.txt"},
@@ -129,11 +94,8 @@ const AddressRow addressRows[] = {
     {"READING list", "malformed: several notes are called “READING list”: First.txt, Second.txt"},
     {"Grocerys", "notFound: there is no note called “Grocerys”; did you mean “Groceries”?"},
     {"budget", "notFound: there is no note called “budget”; did you mean “Budget 2019”?"},
-    {"Elephants", "notFound: there is no note called “Elephants”"},
     {"", "notFound: there is no note called “”"},
     {"../../etc/passwd", "notFound: there is no note called “../../etc/passwd”"},
-    {"photo.png", "notFound: there is no note called “photo.png”"},
-    {"Work", "notFound: there is no note called “Work”"},
     {".hidden.txt", "notFound: there is no note called “.hidden.txt”"},
 };
 

@@ -16,23 +16,16 @@ using tests::Planner;
 namespace {
 
 constexpr const char* notes =
-    "-- Calendar/20190305.txt\n"
-    "* [x] Done #work @done(2019-03-05)\n"
-    "-- Calendar/20181231.txt\n"
-    "Party with @maria\n"
-    "-- Calendar/ideas.txt\n"
-    "* Stray\n"
-    "-- Notes/z.txt\n"
-    "# apples\n"
+    "-- Calendar/20190305.txt\n* [x] Done #work @done(2019-03-05)\n"
+    "-- Calendar/20181231.txt\nParty with @maria\n"
+    "-- Calendar/ideas.txt\n* Stray\n"
+    "-- Notes/z.txt\n# apples\n"
     "* One >2019-03-09 #Work/Clients\n"
     "\t- [-] Two @Maria @repeat(1/2)\n"
-    "-- Notes/Work/a.txt\n"
-    "# Zebra\n"
-    "-- Notes/Work/Deep/e.txt\n"
-    "# \xc3\x89t\xc3\xa9 #work\n"
+    "-- Notes/Work/a.txt\n# Zebra\n"
+    "-- Notes/Work/Deep/e.txt\n# \xc3\x89t\xc3\xa9 #work\n"
     "3. [>] Three >2019-02-31 >2019-03-07\n"
-    "-- Notes/Workshop.txt\n"
-    "# Bread\n";
+    "-- Notes/Workshop.txt\n# Bread\n";
 
 // Each note is an hour older than the one before it.
 void age(Planner& planner) {

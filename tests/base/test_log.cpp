@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <doctest/doctest.h>
 
 #include "base/log.h"
 #include "support/log_capture.h"
+#include "support/on_threads.h"
 
 using namespace tessaly;
 
@@ -34,17 +34,11 @@ TEST_CASE("a failure is one line") {
 TEST_CASE("lines of several threads neither mix nor get lost") {
     constexpr int each = 500;
     const tests::LogCapture log;
-    std::vector<std::thread> threads;
-    for (const char* name : {"one", "two", "three", "four"}) {
-        threads.emplace_back([name] {
-            for (int i = 0; i < each; ++i) {
-                base::log("line of ", name);
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    tests::onThreads(4, [](std::size_t thread) {
+        for (int i = 0; i < each; ++i) {
+            base::log("line of ", std::to_string(thread));
+        }
+    });
     CHECK(log.lines().size() == 4 * each);
-    CHECK(std::count(log.lines().begin(), log.lines().end(), "line of three") == each);
+    CHECK(std::count(log.lines().begin(), log.lines().end(), "line of 3") == each);
 }

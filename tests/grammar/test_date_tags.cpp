@@ -5,7 +5,6 @@
 #include <doctest/doctest.h>
 #include <fmt/format.h>
 
-#include "grammar/calendar_day.h"
 #include "grammar/date_tags.h"
 
 using namespace tessaly;
@@ -107,22 +106,5 @@ TEST_CASE("a written date reads back") {
         if (row.with == TagTime::timeAndMarker) {
             CHECK(read->time->hour == row.hour);
         }
-    }
-}
-
-TEST_CASE("a calendar note is eight digits that name a day") {
-    for (const auto& [path, day] : std::vector<std::pair<const char*, const char*>>{
-             {"Calendar/20190305.txt", "2019-03-05"},
-             {"Calendar/20190231.txt", ""},
-             {"Calendar/2019-03-05.txt", ""},
-             {"Calendar/20190305.md", ""},
-             {"Calendar/x/20190305.txt", ""},
-             {"Calendar/20190305 2.txt", ""},
-             {"calendar/20190305.txt", ""},
-             {"Notes/20190305.txt", ""},
-         }) {
-        CAPTURE(path);
-        const auto found = dayOfNotePath(path);
-        CHECK((found ? base::tagText(*found) : "") == day);
     }
 }

@@ -23,18 +23,13 @@ struct Row {
 TEST_CASE("the state actions set a box, change it, or take it off") {
     for (const Row& row : std::vector<Row>{
              {"* [ ] Pay", "* [x] Pay", "* [-] Pay", "* [>] Pay"},
-             {"* [-] Pay", "* [x] Pay", "* Pay", "* [-] Pay"},
              {"* [x] Pay", "* Pay", "* [-] Pay", "* [x] Pay"},
              {"* [>] Pay", "* [x] Pay", "* [-] Pay", "* Pay"},
              {"* Pay", "* [x] Pay", "* [-] Pay", "* [>] Pay"},
-             {"3. Pay", "3. [x] Pay", "3. [-] Pay", "3. [>] Pay"},
              {" \t12) [>] Pay\r", " \t12) [x] Pay\r", " \t12) [-] Pay\r", " \t12) Pay\r"},
-             {"- ", "- [x] ", "- [-] ", "- [>] "},
              // What the patterns do not take for a box is text.
              {"* [X] Pay", "* [x] [X] Pay", "* [-] [X] Pay", "* [>] [X] Pay"},
-             {"* [x]", "* [x] [x]", "* [-] [x]", "* [>] [x]"},
              {"* [\t] Pay", "* [x] [\t] Pay", "* [-] [\t] Pay", "* [>] [\t] Pay"},
-             {"*  [x] Pay", "* [x]  [x] Pay", "* [-]  [x] Pay", "* [>]  [x] Pay"},
              {"* [x] [-] Pay", "* [-] Pay", "* [-] [-] Pay", "* [x] [-] Pay"},
              // Nothing is lost behind a line terminator, nor looked for there.
              {"* a\xE2\x80\xA8* [x] b", "* [x] a\xE2\x80\xA8* [x] b", "* [-] a\xE2\x80\xA8* [x] b",
@@ -44,10 +39,6 @@ TEST_CASE("the state actions set a box, change it, or take it off") {
              {"\xC2\xA0* [ ] 😀 \xFF é", "\xC2\xA0* [x] 😀 \xFF é", "\xC2\xA0* [-] 😀 \xFF é",
               "\xC2\xA0* [>] 😀 \xFF é"},
              {"*Pay", "*Pay", "*Pay", "*Pay"},
-             {"+ Pay @done(2019-05-21)", "+ Pay @done(2019-05-21)", "+ Pay @done(2019-05-21)",
-              "+ Pay @done(2019-05-21)"},
-             {"[x] Pay", "[x] Pay", "[x] Pay", "[x] Pay"},
-             {"", "", "", ""},
              // Completion tags go where the action changes the line.
              {"* [x] Pay @done(2019-05-21 09:05)", "* Pay @done(2019-05-21 09:05)", "* [-] Pay",
               "* [x] Pay @done(2019-05-21 09:05)"},

@@ -74,22 +74,14 @@ TEST_CASE("a line is read by its marker, its box and the settings") {
              {"- Buy milk", dash, "open 0 0|Buy milk"},
              {"12) Item", numbers, "open 0 0|Item"},
              {"3. Item", asterisk, "list 0 0|Item"},
-             {"\t3. [x] Item", asterisk, "done 1 0|Item"},
              {"* [X] Upper", asterisk, "open 0 0|[X] Upper"},
-             {"* [x]", asterisk, "open 0 0|[x]"},
              {"* [\xC2\xA0] No-break", noMarker, "open 0 0|No-break"},
              {"*[ ] No space", asterisk, "text 0 0|*[ ] No space"},
-             {"*  [x] Two spaces", asterisk, "open 0 0| [x] Two spaces"},
-             {"+ plus", asterisk, "text 0 0|+ plus"},
              {"### Plans", asterisk, "title 0 3|Plans"},
-             {"#Plans", asterisk, "text 0 0|#Plans"},
-             {" # Plans", asterisk, "text 0 0| # Plans"},
              {"\t> quoted", asterisk, "quote 1 0|quoted"},
-             {">quoted", asterisk, "text 0 0|>quoted"},
              {"   ", asterisk, "empty 0 0|   "},
              {"", asterisk, "empty 0 0|"},
              {"* [ ] Windows\r", asterisk, "open 0 0|Windows"},
-             {"plain\r", asterisk, "text 0 0|plain"},
              {"\tindented text", asterisk, "text 1 0|\tindented text"},
              {"* a\xE2\x80\xA8* b", asterisk, "open 0 0|a"},
              {"a\xE2\x80\xA8* b", asterisk, "text 0 0|a\xE2\x80\xA8* b"},
@@ -146,20 +138,9 @@ TEST_CASE("records know their place in the note") {
 
 TEST_CASE("the lines of a note, joined again, are the note") {
     std::mt19937 random(7);
-    const std::vector<std::string> pieces{"* ",
-                                          "[x] ",
-                                          "\n",
-                                          "\r\n",
-                                          "#a",
-                                          "é",
-                                          "😀",
-                                          "\r",
-                                          "\xFF",
-                                          "\t",
-                                          "@done(2019-05-21)",
-                                          "text",
-                                          std::string(20'000, 'x'),
-                                          std::string(1, '\0')};
+    const std::vector<std::string> pieces({"* ", "[x] ", "\n", "\r\n", "#a", "é", "😀", "\r", "\xFF",
+                                           "\t", "@done(2019-05-21)", "text",
+                                           std::string(20'000, 'x'), std::string(1, '\0')});
     for (int round = 0; round < 300; ++round) {
         std::string text;
         for (auto left = random() % 40; left > 0; --left) {

@@ -12,6 +12,7 @@
 #include <doctest/doctest.h>
 
 #include "ports/folder_locks.h"
+#include "support/on_threads.h"
 #include "support/temp_folder.h"
 
 namespace tessaly::tests {
@@ -110,7 +111,7 @@ inline void checkThreads(ports::FolderLocks& locks, const std::string& folder) {
     std::atomic<int> inside{0};
     std::atomic<int> most{0};
     std::atomic<int> done{0};
-    const auto work = [&] {
+    onThreads(3, [&](std::size_t) {
         for (int i = 0; i < rounds; ++i) {
             const auto lock = locks.take(folder);
             if (!lock) {
@@ -122,14 +123,7 @@ inline void checkThreads(ports::FolderLocks& locks, const std::string& folder) {
             --inside;
             ++done;
         }
-    };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i) {
-        threads.emplace_back(work);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    });
     CHECK(most == 1);
     CHECK(done == 3 * rounds);
 }

@@ -39,6 +39,7 @@ using tests::failureKind;
 using tests::Names;
 using tests::readOf;
 using tests::TempFolder;
+using namespace std::string_literals;
 
 TEST_CASE("changes of the kernel's files keep the contract") {
     const TempFolder folder;
@@ -330,9 +331,10 @@ TEST_CASE("a file moves to another file system with all that it has") {
     std::filesystem::remove_all(*other);
 }
 
-/// From now on, for the whole process, these system calls fail as they do on a file system that
-/// has no such thing. False: the kernel does not let us.
-bool refuseCalls(const std::vector<unsigned>& calls, unsigned error) {
+/// Whether `work` succeeds in a process of its own where these system calls fail as they do on a
+/// file system that has no such thing; nothing, with a message: the kernel does not let us.
+template <class Work>
+std::optional<bool> succeedsWithout(const std::vector<unsigned>& calls, unsigned error, Work work) {
     std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const unsigned call : calls) {
         filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1));
@@ -340,8 +342,21 @@ bool refuseCalls(const std::vector<unsigned>& calls, unsigned error) {
     }
     filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+    const pid_t child = ::fork();
+    REQUIRE(child >= 0);
+    if (child == 0) {
+        const bool isRefused = ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+                               ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+        ::_exit(!isRefused ? 2 : work() ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    REQUIRE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 2) {
+        MESSAGE("skipped: no system calls can be refused here");
+        return std::nullopt;
+    }
+    return WEXITSTATUS(status) == 0;
 }
 
 TEST_CASE("where a rename cannot be told to replace nothing, a new name still does not") {
@@ -357,12 +372,7 @@ TEST_CASE("where a rename cannot be told to replace nothing, a new name still do
         CAPTURE(row.without);
         const TempFolder folder;
         folder.write("old", "old");
-        const pid_t child = ::fork();
-        REQUIRE(child >= 0);
-        if (child == 0) {
-            if (!refuseCalls(row.calls, row.error)) {
-                ::_exit(2);
-            }
+        const auto done = succeedsWithout(row.calls, row.error, [&] {
             PosixFileChanges changes;
             const std::string made = folder / "made";
             const bool created = changes.create(made, "new").ok();
@@ -370,16 +380,12 @@ TEST_CASE("where a rename cannot be told to replace nothing, a new name still do
             const bool moved = changes.move(made, folder / "new").ok();
             const auto stopped = failureKind(changes.move(folder / "new", folder / "old"));
             const auto exists = Failure::Kind::exists;
-            ::_exit(created && refused == exists && moved && stopped == exists ? 0 : 1);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        REQUIRE(WIFEXITED(status));
-        if (WEXITSTATUS(status) == 2) {
-            MESSAGE("skipped: no system calls can be refused here");
+            return created && refused == exists && moved && stopped == exists;
+        });
+        if (!done) {
             return;
         }
-        CHECK(WEXITSTATUS(status) == 0);
+        CHECK(*done);
         CHECK(folder.names() == std::vector<std::string>{"new", "old"});
         CHECK(folder.read("new") == "new");
         CHECK(folder.read("old") == "old");
@@ -397,19 +403,13 @@ TEST_CASE("where permissions cannot be given, those that a new file has anyway a
         CAPTURE(row.mode);
         ::chmod(file.c_str(), row.mode);
         const auto read = readOf(file);
-        const pid_t child = ::fork();
-        REQUIRE(child >= 0);
-        if (child == 0) {
-            const bool refused = refuseCalls({SYS_fchmod}, ENOSYS);
-            ::_exit(!refused ? 2 : PosixFileChanges().replace(file, read, "new") ? 0 : 1);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        REQUIRE(WIFEXITED(status));
-        if (WEXITSTATUS(status) == 2) {
-            MESSAGE("skipped: no system calls can be refused here");
+        const auto done = succeedsWithout({SYS_fchmod}, ENOSYS, [&] {
+            return PosixFileChanges().replace(file, read, "new").ok();
+        });
+        if (!done) {
             return;
         }
+        CHECK(*done == (row.text == "new"s));
         CHECK(folder.read("note") == row.text);
         CHECK(folder.names() == std::vector<std::string>{"note"});
     }

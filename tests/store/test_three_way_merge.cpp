@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <array>
 #include <map>
 #include <random>
 #include <string>
@@ -156,52 +155,6 @@ TEST_CASE("any three texts: a side that did nothing leaves the other's, and no l
             const Counts before = lineCounts(base);
             requireNoLineLost(before, lineCounts(mine), counts);
             requireNoLineLost(before, lineCounts(theirs), counts);
-        }
-    }
-}
-
-TEST_CASE("edits of a list of tasks, each told from what both sides did to it") {
-    Random random(42);
-    const auto has = [](const std::string& text, const std::string& part) {
-        return text.find(part) != std::string::npos;
-    };
-    for (int round = 0; round < 2000; ++round) {
-        std::string base;
-        std::string sides[2];
-        std::vector<std::array<std::string, 2>> tags;
-        std::vector<std::array<bool, 2>> isDeleted;
-        for (std::size_t i = 0; i < 8; ++i) {
-            const std::string task = "* Task " + std::string(3, static_cast<char>('a' + i));
-            base += task + '\n';
-            tags.emplace_back();
-            isDeleted.emplace_back();
-            for (std::size_t side = 0; side < 2; ++side) {
-                const std::string mark = std::to_string(i) + (side == 0 ? "mine" : "theirs");
-                tags[i][side] = random.below(3) == 0 ? " #tag" + mark : "";
-                isDeleted[i][side] = random.below(6) == 0;
-                sides[side] += random.below(6) == 0 ? "new" + mark + '\n' : "";
-                sides[side] += isDeleted[i][side] ? "" : task + tags[i][side] + '\n';
-            }
-        }
-        const std::string merged = threeWayMerge(base, sides[0], sides[1]);
-        CAPTURE(base);
-        CAPTURE(sides[0]);
-        CAPTURE(sides[1]);
-        CAPTURE(merged);
-        for (std::size_t i = 0; i < 8; ++i) {
-            const std::string task = "* Task " + std::string(3, static_cast<char>('a' + i));
-            const bool isGone = (isDeleted[i][0] && (isDeleted[i][1] || tags[i][1].empty())) ||
-                                (isDeleted[i][1] && tags[i][0].empty());
-            const std::string expected =
-                (isDeleted[i][0] ? "" : tags[i][0]) + (isDeleted[i][1] ? "" : tags[i][1]) + '\n';
-            CAPTURE(task);
-            REQUIRE(has(merged, task) == !isGone);
-            REQUIRE((isGone || has(merged, task + expected)));
-        }
-        for (const std::string& side : sides) {
-            for (const std::string_view line : store::linesOfText(side)) {
-                REQUIRE((!line.starts_with("new") || has(merged, std::string(line) + '\n')));
-            }
         }
     }
 }

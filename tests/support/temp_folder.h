@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -83,6 +84,23 @@ public:
         }
         std::sort(found.begin(), found.end());
         return found;
+    }
+
+    /// Every name below the folder `name` and what the file holds; folders end in "/", links hold
+    /// where they lead.
+    std::map<std::string, std::string> everything(std::string_view name = ".") const {
+        std::map<std::string, std::string> all;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(*this / name)) {
+            const std::string found = entry.path().lexically_relative(*this / name);
+            if (entry.is_symlink()) {
+                all[found] = std::filesystem::read_symlink(entry.path());
+            } else if (entry.is_directory()) {
+                all[found + "/"];
+            } else {
+                all[found] = entry.is_regular_file() ? read(std::string(name) + "/" + found) : "";
+            }
+        }
+        return all;
     }
 
 private:
