@@ -59,6 +59,11 @@ SCENARIOS = {
         {**START, "Calendar/20200101.txt": "* [ ] call Bob @repeat(1/3)",
          THURSDAY: "# Thursday\n* [ ] call Bob @repeat(2/3)\n", FRIDAY: "* [ ] call Bob @repeat(3/3)"},
         old={**START, THURSDAY: "# Thursday\n"}, order=["Calendar/20200101.txt", THURSDAY, FRIDAY]),
+    "delete repeats": Operation(
+        ["repeat", "2020-01-01:1", "--delete", "--yes"],
+        {**START, "Calendar/20200101.txt": "", THURSDAY: "# Thursday\n", FRIDAY: ""},
+        old={**START, THURSDAY: "# Thursday\n"}, before=[["repeat", CALL, "--every", "day", "--times", "3"]],
+        order=["Calendar/20200101.txt", THURSDAY, FRIDAY]),
     "archive": Operation(["archive", "Plan"], {PLAN: "# Plan\n* [ ] b\n\n## Archive\n* [x] a\n\tmore\n"},
                          old={PLAN: "# Plan\n* [x] a\n\tmore\n* [ ] b\n"}, order=[PLAN]),
     "undo schedule": Operation(["undo"], START, before=[TO_FRIDAY], order=[TUESDAY, FRIDAY]),
