@@ -12,7 +12,9 @@ from editor_cases import NOTE, EditorCases
 from editor_home import PLUGINS
 
 HERE = os.path.dirname(os.path.realpath(__file__))
-WORDS = ["vim", "-es", "-N", "-u", "NONE", "-i", "NONE", "-c", f"set runtimepath^={PLUGINS}/vim",
+# As a value of `let`: `set` ends a path at a blank.
+FOLDER = f"{PLUGINS}/vim".replace(",", "\\,").replace("'", "''")
+WORDS = ["vim", "-es", "-N", "-u", "NONE", "-i", "NONE", "-c", f"let &runtimepath = '{FOLDER},' . &runtimepath",
          "-c", "runtime plugin/tessaly.vim", "-S", os.path.join(HERE, "drive.vim")]
 SKIPPED = 77
 
