@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "base/enum_names.h"
 #include "base/localisation.h"
@@ -24,11 +25,16 @@ using grammar::TodoState;
 using grammar::TodoType;
 using Param = std::string_view;
 
-/// Times are on the wall and have no zone: what is asked for needs none.
+/// Times are on the wall and have no zone: as good as any is the one without an offset.
 class NoZone : public ports::Clock {
 public:
     base::Instant now() override { return {}; }
-    base::LocalTime local(base::Instant) override { return {base::Day{}}; }
+    base::LocalTime local(base::Instant instant) override {
+        const auto day = std::chrono::floor<std::chrono::days>(instant);
+        const std::chrono::hh_mm_ss time{std::chrono::floor<std::chrono::seconds>(instant - day)};
+        return {base::Day{day}, static_cast<int>(time.hours().count()),
+                static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count())};
+    }
 };
 
 std::optional<std::string> dayText(std::optional<base::Day> day) {
