@@ -7,16 +7,15 @@ or the history; one more start leaves nothing behind. A seed's moments are the s
 what the machine does in them is not.
 """
 
-import os
 import random
 import statistics
 import sys
-import tempfile
 import time
 
 sys.dont_write_bytecode = True
 
-from home import Home, Problems
+from home import Problems
+from killing import kill_often
 
 COUNT = 300
 NOTES = ("Plan", "Work", "Other")
@@ -85,19 +84,5 @@ class Killer:
         check(self.seen["with something left over"] > 0, "no kill fell into a write; the test says nothing")
 
 
-def main():
-    seed = int(sys.argv[2]) if len(sys.argv) > 2 else random.SystemRandom().randrange(1 << 32)
-    count = int(sys.argv[3]) if len(sys.argv) > 3 else COUNT
-    print(f"seed {seed}", flush=True)
-    with tempfile.TemporaryDirectory(prefix="tessaly-kills-") as folder:
-        killer = Killer(Home(os.path.realpath(sys.argv[1]), os.path.realpath(folder)), seed)
-        for index in range(count):
-            killer.kill_one(index)
-        killer.finish()
-    told = ", ".join(f"{number} {what}" for what, number in killer.seen.items())
-    print(f"a write takes {killer.life * 1e3:.0f} ms; of {count}: {told}")
-    return killer.problems.finish()
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(kill_often(Killer, COUNT, "a write"))

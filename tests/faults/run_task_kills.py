@@ -6,16 +6,15 @@ After each one no task is marked whose copy is not there; after the next start t
 not, as a whole, and can be undone.
 """
 
-import os
 import random
 import statistics
 import sys
-import tempfile
 import time
 
 sys.dont_write_bytecode = True
 
-from home import Home, Problems
+from home import Problems
+from killing import kill_often
 
 COUNT = 200
 TASKS = 12
@@ -104,19 +103,5 @@ class Killer:
                                 f"undone at the end: {ended.stderr.decode()} {self.home.notes()}, not {wanted}")
 
 
-def main():
-    seed = int(sys.argv[2]) if len(sys.argv) > 2 else random.SystemRandom().randrange(1 << 32)
-    count = int(sys.argv[3]) if len(sys.argv) > 3 else COUNT
-    print(f"seed {seed}", flush=True)
-    with tempfile.TemporaryDirectory(prefix="tessaly-kills-") as folder:
-        killer = Killer(Home(os.path.realpath(sys.argv[1]), os.path.realpath(folder)), seed)
-        for number in range(count):
-            killer.kill_one(number)
-        killer.finish()
-    told = ", ".join(f"{number} {what}" for what, number in killer.seen.items())
-    print(f"a scheduling takes {killer.life * 1e3:.0f} ms; of {count}: {told}")
-    return killer.problems.finish()
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(kill_often(Killer, COUNT, "a scheduling"))
