@@ -9,6 +9,22 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(tessaly_flags INTERFACE -Wthread-safety)
 endif()
 
+# What nearly every file includes, read by the compiler once. Files still include what they use: a
+# build without TESSALY_PCH shows when one does not.
+if(TESSALY_PCH)
+    file(WRITE ${CMAKE_BINARY_DIR}/precompiled.cpp "")
+    add_library(tessaly_precompiled STATIC ${CMAKE_BINARY_DIR}/precompiled.cpp)
+    target_precompile_headers(tessaly_precompiled PRIVATE <algorithm> <atomic> <chrono> <cstdint>
+        <functional> <map> <memory> <mutex> <optional> <set> <span> <string> <string_view>
+        <unordered_map> <utility> <variant> <vector>)
+    target_link_libraries(tessaly_precompiled PRIVATE tessaly_flags)
+endif()
+function(tessaly_precompile target)
+    if(TESSALY_PCH)
+        target_precompile_headers(${target} REUSE_FROM tessaly_precompiled)
+    endif()
+endfunction()
+
 # tessaly_module(NAME [DEPENDS modules of ours] [LINKS libraries of others])
 # Every .cpp of the folder belongs to the module. A folder of headers alone becomes an interface.
 function(tessaly_module name)
@@ -19,6 +35,7 @@ function(tessaly_module name)
         add_library(tessaly_${name} STATIC ${sources})
         target_include_directories(tessaly_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
         target_link_libraries(tessaly_${name} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_LINKS} tessaly_flags)
+        tessaly_precompile(tessaly_${name})
     else()
         add_library(tessaly_${name} INTERFACE)
         target_include_directories(tessaly_${name} INTERFACE ${CMAKE_SOURCE_DIR}/src)
@@ -36,6 +53,7 @@ function(tessaly_test name)
     add_executable(test_${name} ${sources})
     target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(test_${name} PRIVATE tessaly_test_main ${modules} tessaly_flags)
+    tessaly_precompile(test_${name})
     add_test(NAME ${name} COMMAND test_${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS unit)
 endfunction()
