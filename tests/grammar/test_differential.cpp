@@ -47,6 +47,12 @@ void same(const std::string& line, const MarkerSettings& settings = {}) {
     }
 }
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr unsigned longest = 4;  // some million lines fewer, each a tenth as fast
+#else
+constexpr unsigned longest = 5;
+#endif
+
 /// Every sequence of at most `left` tokens behind `line`.
 void everySequence(const Tokens& tokens, unsigned left, const std::string& line = {}) {
     same(line);
@@ -67,8 +73,8 @@ std::string randomLine(std::mt19937& random, std::size_t length) {
 
 }  // namespace
 
-TEST_CASE("the scanner reads every sequence of up to five basic tokens as the patterns do") {
-    everySequence(basicTokens, 5);
+TEST_CASE("the scanner reads every short sequence of basic tokens as the patterns do") {
+    everySequence(basicTokens, longest);
 }
 
 TEST_CASE(
