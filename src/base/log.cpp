@@ -2,6 +2,7 @@
 #include "base/log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <mutex>
 #include <string>
@@ -28,6 +29,8 @@ Output& output() {
     return *instance;
 }
 
+std::atomic<bool> isRoutineLogged = true;
+
 bool isLineBreak(char c) {
     return c == '\n' || c == '\r' || c == '\v' || c == '\f';
 }
@@ -43,6 +46,16 @@ void log(std::string_view fixedText, std::string_view subject) {
     std::replace_if(line.begin(), line.end(), isLineBreak, ' ');
     const std::scoped_lock lock(output().mutex);
     output().sink(line);
+}
+
+void logRoutine(std::string_view fixedText, std::string_view subject) {
+    if (isRoutineLogged) {
+        log(fixedText, subject);
+    }
+}
+
+void setRoutineLog(bool isOn) {
+    isRoutineLogged = isOn;
 }
 
 LogSink setLogSink(LogSink sink) {

@@ -12,6 +12,12 @@ namespace tessaly::base {
 /// that the messages of the tag lists and of numbering name.
 void log(std::string_view fixedText, std::string_view subject = {});
 
+/// The same for what happens in the ordinary course of things ("onUpdate"): written unless that was
+/// switched off.
+void logRoutine(std::string_view fixedText, std::string_view subject = {});
+/// Whether routine lines are written; they are at start. Any thread.
+void setRoutineLog(bool isOn);
+
 /// Where log lines go, without their line break.
 using LogSink = std::function<void(std::string_view line)>;
 
