@@ -14,6 +14,7 @@ using base::Failure;
 using base::Result;
 using ports::FileContents;
 using ports::FolderEntry;
+using ports::SurveyedEntry;
 using Kind = FolderEntry::Kind;
 
 namespace {
@@ -41,6 +42,21 @@ Result<std::vector<FolderEntry>> PretendFiles::list(const std::string& folder) {
     const std::scoped_lock lock(_mutex);
     const auto place = _tree.follow(folder);
     auto entries = place ? _tree.list(*place) : place.failure();
+    return entries ? entries : renamed(folder, entries.failure());
+}
+
+Result<std::vector<SurveyedEntry>> PretendFiles::survey(const std::string& folder) {
+    const std::scoped_lock lock(_mutex);
+    const auto place = _tree.follow(folder);
+    auto entries = place ? _tree.survey(*place) : place.failure();
+    return entries ? entries : renamed(folder, entries.failure());
+}
+
+Result<std::vector<std::optional<SurveyedEntry>>> PretendFiles::surveyNames(
+    const std::string& folder, std::span<const std::string> names) {
+    const std::scoped_lock lock(_mutex);
+    const auto place = _tree.follow(folder);
+    auto entries = place ? _tree.surveyNames(*place, names) : place.failure();
     return entries ? entries : renamed(folder, entries.failure());
 }
 

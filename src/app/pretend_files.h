@@ -33,6 +33,9 @@ public:
     PretendFiles(ports::FileSystem& real, ports::Clock& clock);
 
     base::Result<std::vector<ports::FolderEntry>> list(const std::string& folder) override;
+    base::Result<std::vector<ports::SurveyedEntry>> survey(const std::string& folder) override;
+    base::Result<std::vector<std::optional<ports::SurveyedEntry>>> surveyNames(
+        const std::string& folder, std::span<const std::string> names) override;
     base::Result<ports::FileContents> read(const std::string& file) override;
     base::Result<base::Done> readEach(const std::string& folder,
                                       std::span<const ports::FolderEntry> files,

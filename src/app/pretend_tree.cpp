@@ -13,6 +13,7 @@ namespace tessaly::app {
 using base::Failure;
 using base::Result;
 using ports::FolderEntry;
+using ports::SurveyedEntry;
 using store::joined;
 using store::lastComponent;
 using store::parentOf;
@@ -27,6 +28,15 @@ Failure notFound(const std::string& path) {
 
 Failure notAFolder(const std::string& path) {
     return pretendFailure(std::errc::not_a_directory, path, Failure::Kind::other);
+}
+
+bool isFolder(const std::optional<PretendThing>& change) {
+    return change && change->kind == FolderEntry::Kind::folder;
+}
+
+SurveyedEntry entryOf(std::string name, const PretendThing& thing) {
+    const bool isFile = thing.kind == FolderEntry::Kind::file;
+    return {{std::move(name), thing.kind}, isFile ? thing.stamp : ports::FileStamp{}, false};
 }
 
 std::string prefixOf(const std::string& folder) {
@@ -153,23 +163,56 @@ Result<ports::FileContents> PretendTree::read(const std::string& place) const {
 }
 
 Result<std::vector<FolderEntry>> PretendTree::list(const std::string& place) const {
+    return entriesOf<FolderEntry>(place, [&] { return _real.list(place); });
+}
+
+Result<std::vector<SurveyedEntry>> PretendTree::survey(const std::string& place) const {
+    return entriesOf<SurveyedEntry>(place, [&] { return _real.survey(place); });
+}
+
+template <class Entry, class FromReal>
+Result<std::vector<Entry>> PretendTree::entriesOf(const std::string& place,
+                                                  const FromReal& fromReal) const {
     const auto* change = changeAt(place);
-    if (change != nullptr && *change && (*change)->kind != Kind::folder) {
-        return notAFolder(place);
+    if (change != nullptr && !isFolder(*change)) {
+        return *change ? notAFolder(place) : notFound(place);
     }
-    auto real = change == nullptr ? _real.list(place) : std::vector<FolderEntry>{};
+    auto real = change == nullptr ? fromReal() : std::vector<Entry>{};
     if (!real) {
         return real;
     }
-    std::vector<FolderEntry> entries = std::move(real).value();
+    std::vector<Entry> entries = std::move(real).value();
     const std::string prefix = prefixOf(place);
     std::erase_if(entries,
-                  [&](const FolderEntry& entry) { return _things.contains(prefix + entry.name); });
+                  [&](const Entry& entry) { return _things.contains(prefix + entry.name); });
     for (auto at = _things.lower_bound(prefix);
          at != _things.end() && at->first.starts_with(prefix); ++at) {
         std::string name = at->first.substr(prefix.size());
         if (at->second && name.find('/') == name.npos) {
-            entries.push_back({std::move(name), at->second->kind});
+            entries.push_back(entryOf(std::move(name), *at->second));
+        }
+    }
+    return entries;
+}
+
+Result<std::vector<std::optional<SurveyedEntry>>> PretendTree::surveyNames(
+    const std::string& place, std::span<const std::string> names) const {
+    using Entries = std::vector<std::optional<SurveyedEntry>>;
+    const auto* folder = changeAt(place);
+    if (folder != nullptr && !isFolder(*folder)) {
+        return *folder ? notAFolder(place) : notFound(place);
+    }
+    auto real = folder == nullptr ? _real.surveyNames(place, names) : Entries(names.size());
+    if (!real) {
+        return real;
+    }
+    Entries entries = std::move(real).value();
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const auto found = _things.find(prefixOf(place) + names[index]);
+        if (found != _things.end() && found->second) {
+            entries[index] = entryOf(names[index], *found->second);
+        } else if (found != _things.end()) {
+            entries[index] = std::nullopt;
         }
     }
     return entries;

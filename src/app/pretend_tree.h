@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -45,6 +46,9 @@ public:
     base::Result<Kind> kindOf(const std::string& place) const;
     base::Result<ports::FileContents> read(const std::string& place) const;
     base::Result<std::vector<ports::FolderEntry>> list(const std::string& place) const;
+    base::Result<std::vector<ports::SurveyedEntry>> survey(const std::string& place) const;
+    base::Result<std::vector<std::optional<ports::SurveyedEntry>>> surveyNames(
+        const std::string& place, std::span<const std::string> names) const;
 
     /// Null: nothing was changed there. Empty: what was there is gone.
     const std::optional<PretendThing>* changeAt(const std::string& place) const;
@@ -61,6 +65,9 @@ public:
     std::optional<std::string> realFile(const std::string& place) const;
 
 private:
+    template <class Entry, class FromReal>
+    base::Result<std::vector<Entry>> entriesOf(const std::string& place,
+                                               const FromReal& fromReal) const;
     base::Result<std::string> leadsTo(const std::string& place) const;
     base::Result<std::string> endOfLink(std::string target) const;
     base::Result<Kind> realEntryAt(const std::string& place);

@@ -18,8 +18,9 @@ struct Row {
     Kind kind;
 };
 
-constexpr std::array<Row, 13> rows{{
+constexpr std::array<Row, 14> rows{{
     {ENOENT, Kind::notFound},
+    {ENOTDIR, Kind::notAFile},
     {EEXIST, Kind::exists},
     {EACCES, Kind::denied},
     {EPERM, Kind::denied},

@@ -3,14 +3,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
 #include <sys/stat.h>
+#include <sys/uio.h>
 
 #include "platform/file_descriptor.h"
+#include "platform/file_stamp.h"
+#include "platform/placeholder.h"
 
 namespace tessaly::platform {
 
@@ -19,17 +21,7 @@ namespace {
 constexpr std::size_t usualCapacity = 64 << 10;
 /// A buffer above this was needed for a giant, and is not kept for the small ones behind it.
 constexpr std::size_t keptCapacity = 1 << 20;
-
-base::Instant instantOf(const statx_timestamp& time) {
-    return base::Instant{std::chrono::seconds{time.tv_sec} +
-                         std::chrono::nanoseconds{time.tv_nsec}};
-}
-
-ports::FileStamp stampOf(const struct statx& status) {
-    const bool hasBirth = (status.stx_mask & STATX_BTIME) != 0;
-    return {status.stx_ino, status.stx_size, instantOf(status.stx_mtime),
-            instantOf(status.stx_ctime), instantOf(hasBirth ? status.stx_btime : status.stx_mtime)};
-}
+constexpr off_t wherePositioned = -1;
 
 }  // namespace
 
@@ -47,8 +39,42 @@ FileReader::~FileReader() {
 }
 
 int FileReader::read(int fd, Contents& contents) {
+    std::size_t size = 0;
+    int error = prepare(fd, contents.stamp);
+    error =
+        error != 0 ? error : readToEnd(contents.stamp.size, size, [fd](char* to, std::size_t most) {
+            return ::read(fd, to, most);
+        });
+    contents.bytes = {_buffer.bytes.get(), size};
+    return error;
+}
+
+int FileReader::read(int fd, Contents& contents, const std::function<void()>& beforeWaiting) {
+    std::size_t size = 0;
+    bool mayWait = !_canAskMemory;
+    const auto readSome = [&](char* to, std::size_t most) {
+        const iovec piece{to, most};
+        const ssize_t got = mayWait ? -1 : ::preadv2(fd, &piece, 1, wherePositioned, RWF_NOWAIT);
+        if (got >= 0) {
+            return got;
+        }
+        if (!mayWait && errno == EAGAIN) {
+            beforeWaiting();
+        } else if (!mayWait && errno == EOPNOTSUPP) {
+            _canAskMemory = false;
+        }
+        mayWait = true;
+        return ::read(fd, to, most);
+    };
+    int error = prepare(fd, contents.stamp);
+    error = error != 0 ? error : readToEnd(contents.stamp.size, size, readSome);
+    contents.bytes = {_buffer.bytes.get(), size};
+    return error;
+}
+
+int FileReader::prepare(int fd, ports::FileStamp& stamp) {
     struct statx status;
-    if (::statx(fd, "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
+    if (::statx(fd, "", AT_EMPTY_PATH, stampFields, &status) != 0) {
         return errno;
     }
     if (!S_ISREG(status.stx_mode)) {
@@ -57,26 +83,26 @@ int FileReader::read(int fd, Contents& contents) {
     if (status.stx_size > ports::maxFileBytes) {
         return EFBIG;
     }
+    if (status.stx_size == placeholderSize && hasPlaceholderMark(fd)) {
+        return placeholderError;
+    }
     if (_buffer.capacity > keptCapacity) {
         _buffer = {};
     }
-    std::size_t size = 0;
-    if (const int error = readToEnd(fd, status.stx_size, size); error != 0) {
-        return error;
-    }
-    contents = {{_buffer.bytes.get(), size}, stampOf(status)};
+    stamp = stampOf(status);
     return 0;
 }
 
 /// Asks for one byte more than expected: when just the expected ones come, that was the end, and
 /// the usual file costs one call.
-int FileReader::readToEnd(int fd, std::size_t expected, std::size_t& size) {
+template <class ReadSome>
+int FileReader::readToEnd(std::size_t expected, std::size_t& size, const ReadSome& readSome) {
     if (_buffer.capacity <= expected) {
         grow(expected + 1, 0);
     }
     for (;;) {
         const ssize_t got = uninterrupted(
-            [&] { return ::read(fd, _buffer.bytes.get() + size, _buffer.capacity - size); });
+            [&] { return readSome(_buffer.bytes.get() + size, _buffer.capacity - size); });
         if (got < 0) {
             return errno;
         }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -25,9 +26,16 @@ public:
         ports::FileStamp stamp;
     };
 
+    /// No error of the system's: the file is a sync client's placeholder.
+    static constexpr int placeholderError = -1;
+
     /// Reads a file that is open, from its start. 0, or the error's number: `EINVAL` for what is no
-    /// regular file, `EFBIG` for one above `maxFileBytes`.
+    /// regular file, `EFBIG` for one above `maxFileBytes`, or `placeholderError`.
     int read(int fd, Contents& contents);
+
+    /// The same; `beforeWaiting` is called once if bytes must be fetched from the disk, before they
+    /// are waited for.
+    int read(int fd, Contents& contents, const std::function<void()>& beforeWaiting);
 
 private:
     struct Buffer {
@@ -36,9 +44,12 @@ private:
     };
     static Buffer& threadBuffer();
     void grow(std::size_t capacity, std::size_t used);
-    int readToEnd(int fd, std::size_t expected, std::size_t& size);
+    int prepare(int fd, ports::FileStamp& stamp);
+    template <class ReadSome>
+    int readToEnd(std::size_t expected, std::size_t& size, const ReadSome& readSome);
 
     Buffer _buffer;
+    bool _canAskMemory = true;  ///< the file system tells what is in memory
 };
 
 }  // namespace tessaly::platform

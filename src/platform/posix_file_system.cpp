@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
@@ -15,6 +14,11 @@
 #include "platform/file_descriptor.h"
 #include "platform/file_failures.h"
 #include "platform/file_reader.h"
+#include "platform/files_of_folder.h"
+#include "platform/folder_stream.h"
+#include "platform/folder_survey.h"
+#include "platform/open_flags.h"
+#include "platform/placeholder.h"
 
 namespace tessaly::platform {
 
@@ -24,50 +28,26 @@ using ports::FolderEntry;
 
 namespace {
 
-/// Neither waits for a pipe's other end nor lets a terminal take the process over.
-constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int folderFlags = O_RDONLY | O_CLOEXEC | O_DIRECTORY;
 
 FileDescriptor open(const std::string& path, int flags) {
     return FileDescriptor(uninterrupted([&] { return ::open(path.c_str(), flags); }));
 }
 
-FileDescriptor openIn(int folder, const std::string& name, int flags) {
-    return FileDescriptor(uninterrupted([&] { return ::openat(folder, name.c_str(), flags); }));
-}
-
 Failure readFailure(int error, const std::string& path) {
-    return error == EINVAL ? notAFileFailure(path) : errnoFailure(error, path);
-}
-
-FolderEntry::Kind kindOfMode(mode_t mode) {
-    return S_ISREG(mode)   ? FolderEntry::Kind::file
-           : S_ISDIR(mode) ? FolderEntry::Kind::folder
-           : S_ISLNK(mode) ? FolderEntry::Kind::link
-                           : FolderEntry::Kind::other;
+    return error == EINVAL                         ? notAFileFailure(path)
+           : error == FileReader::placeholderError ? placeholderFailure(path)
+                                                   : errnoFailure(error, path);
 }
 
 /// Some file systems leave the kind out of the folder.
 FolderEntry::Kind kindOfEntry(int folder, const dirent& entry) {
     if (entry.d_type != DT_UNKNOWN) {
-        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
+        return kindOfMode(static_cast<unsigned>(DTTOIF(entry.d_type)));
     }
     struct stat status;
     const bool known = ::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
     return known ? kindOfMode(status.st_mode) : FolderEntry::Kind::other;
-}
-
-bool isDots(std::string_view name) {
-    return name == "." || name == "..";
-}
-
-int readEntry(int folder, const FolderEntry& entry, FileReader& reader,
-              FileReader::Contents& contents) {
-    if (entry.kind != FolderEntry::Kind::file || holdsNul(entry.name)) {
-        return EINVAL;
-    }
-    const FileDescriptor fd = openIn(folder, entry.name, readFlags | O_NOFOLLOW);
-    return fd ? reader.read(fd.get(), contents) : errno;
 }
 
 }  // namespace
@@ -76,26 +56,24 @@ base::Result<std::vector<FolderEntry>> PosixFileSystem::list(const std::string& 
     if (holdsNul(folder)) {
         return nulFailure(folder);
     }
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
-    if (!stream) {
-        return errnoFailure(errno, folder);
-    }
+    FolderStream stream(folder);
     std::vector<FolderEntry> entries;
-    for (;;) {
-        errno = 0;
-        const dirent* entry = ::readdir(stream.get());
-        if (entry == nullptr) {
-            break;
-        }
-        if (!isDots(entry->d_name)) {
-            entries.push_back({entry->d_name, kindOfEntry(::dirfd(stream.get()), *entry)});
-        }
+    while (const dirent* entry = stream.next()) {
+        entries.push_back({entry->d_name, kindOfEntry(stream.fd(), *entry)});
     }
-    // A listing that broke off must not pass for a shorter folder.
-    if (errno != 0) {
-        return errnoFailure(errno, folder);
+    if (stream.error() != 0) {
+        return errnoFailure(stream.error(), folder);
     }
     return entries;
+}
+
+base::Result<std::vector<ports::SurveyedEntry>> PosixFileSystem::survey(const std::string& folder) {
+    return holdsNul(folder) ? nulFailure(folder) : surveyFolder(folder);
+}
+
+base::Result<std::vector<std::optional<ports::SurveyedEntry>>> PosixFileSystem::surveyNames(
+    const std::string& folder, std::span<const std::string> names) {
+    return holdsNul(folder) ? nulFailure(folder) : surveyFolder(folder, names);
 }
 
 base::Result<ports::FileContents> PosixFileSystem::read(const std::string& file) {
@@ -131,9 +109,13 @@ base::Result<Done> PosixFileSystem::readEach(const std::string& folder,
         return errnoFailure(errno, folder);
     }
     FileReader reader;
+    FilesOfFolder opened(fd.get(), files);
     for (std::size_t index = 0; index < files.size(); ++index) {
         FileReader::Contents contents;
-        if (const int error = readEntry(fd.get(), files[index], reader, contents); error != 0) {
+        const auto [file, openError] = opened.next();
+        const auto askAhead = [&opened, at = file.get()] { opened.askAhead(at); };
+        const int error = openError != 0 ? openError : reader.read(file.get(), contents, askAhead);
+        if (error != 0) {
             const Failure failure = readFailure(error, folder + "/" + files[index].name);
             sink({index, {}, nullptr, &failure});
         } else {

@@ -10,6 +10,9 @@ namespace tessaly::platform {
 class PosixFileSystem : public ports::FileSystem {
 public:
     base::Result<std::vector<ports::FolderEntry>> list(const std::string& folder) override;
+    base::Result<std::vector<ports::SurveyedEntry>> survey(const std::string& folder) override;
+    base::Result<std::vector<std::optional<ports::SurveyedEntry>>> surveyNames(
+        const std::string& folder, std::span<const std::string> names) override;
     base::Result<ports::FileContents> read(const std::string& file) override;
 
     /// The kind that an entry carries is believed: one that is no file is refused unopened.

@@ -7,6 +7,7 @@
 
 #include "platform/errno_failure.h"
 #include "platform/file_failures.h"
+#include "platform/placeholder.h"
 
 namespace tessaly::platform {
 
@@ -36,7 +37,8 @@ base::Result<Done> StillFile::open(FolderName name) {
     if (!_fd || ::fstat(_fd.get(), &_status) != 0) {
         return errnoFailure(errno, _path);
     }
-    return Done{};
+    const bool isPlaceholder = _status.st_size == placeholderSize && hasPlaceholderMark(_fd.get());
+    return isPlaceholder ? base::Result<Done>(placeholderFailure(_path)) : Done{};
 }
 
 base::Result<Done> StillFile::hold() {

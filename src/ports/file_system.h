@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -39,6 +40,13 @@ struct FolderEntry {
     Kind kind = Kind::other;
 };
 
+/// An entry and the state of its file, which has not been opened. A link is not followed.
+struct SurveyedEntry : FolderEntry {
+    FileStamp stamp;  ///< of a file or folder; else all zero
+    /// A sync client has put an empty shell in the file's place and will fill it when asked.
+    bool isPlaceholder = false;
+};
+
 /// One file of a batch: its place in the batch and its bytes, valid during the call only, or why it
 /// could not be read.
 struct FileRead {
@@ -59,13 +67,24 @@ public:
     /// The entries of a folder, "." and ".." left out, in no order.
     virtual base::Result<std::vector<FolderEntry>> list(const std::string& folder) = 0;
 
-    /// The whole of a regular file of at most `maxFileBytes`. A link is followed.
+    /// `list`, with the state of each entry. What disappears meanwhile is left out.
+    virtual base::Result<std::vector<SurveyedEntry>> survey(const std::string& folder) = 0;
+
+    /// Looks at some names of a folder alone, at a cost that does not depend on its size. The
+    /// answer has a place for each name, in their order; nothing: there is no such entry. Failure:
+    /// the folder could not be opened, or one of the names could not be looked at.
+    virtual base::Result<std::vector<std::optional<SurveyedEntry>>> surveyNames(
+        const std::string& folder, std::span<const std::string> names) = 0;
+
+    /// The whole of a regular file of at most `maxFileBytes`. A link is followed. Failure
+    /// `unavailable`: a sync client's placeholder, whose bytes are not the file's.
     virtual base::Result<FileContents> read(const std::string& file) = 0;
 
     /// Reads several regular files of one folder, calling `sink` once for each in order, on the
     /// calling thread. The cost of a walk over many small files is per file, so the folder is
-    /// opened once and one buffer serves all. Links are not followed. Failure: the folder could
-    /// not be opened, and `sink` was not called.
+    /// opened once and one buffer serves all; where the bytes are not in memory yet, many files are
+    /// asked for at a time. Links are not followed; placeholders are `unavailable`. Failure: the
+    /// folder could not be opened, and `sink` was not called.
     virtual base::Result<base::Done> readEach(const std::string& folder,
                                               std::span<const FolderEntry> files,
                                               const FileSink& sink) = 0;

@@ -106,6 +106,12 @@ Outcome take(const Step& step, const User& user) {
     }
 }
 
+std::string stateOf(const ports::SurveyedEntry& entry) {
+    const bool isFile = entry.kind == FolderEntry::Kind::file;
+    return " " + std::to_string(static_cast<int>(entry.kind)) +
+           (isFile ? " " + std::to_string(entry.stamp.size) : "");
+}
+
 /// What a user sees at every name.
 std::string viewOf(const User& user) {
     std::string view;
@@ -125,6 +131,18 @@ std::string viewOf(const User& user) {
         if (entries && user.files.readEach(path, *entries, sink)) {
             for (const FolderEntry& entry : *entries) {
                 inside[entry.name] += std::to_string(static_cast<int>(entry.kind));
+            }
+        }
+        if (const auto surveyed = user.files.survey(path)) {
+            for (const ports::SurveyedEntry& entry : *surveyed) {
+                inside[entry.name] += stateOf(entry);
+            }
+        }
+        const std::vector<std::string> asked{"a", "n", "new", "missing"};
+        if (const auto surveyed = user.files.surveyNames(path, asked)) {
+            for (std::size_t index = 0; index < asked.size(); ++index) {
+                const auto& entry = (*surveyed)[index];
+                inside[asked[index]] += entry ? stateOf(*entry) : " gone";
             }
         }
         for (const auto& [entry, bytes] : inside) {

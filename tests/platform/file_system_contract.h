@@ -13,6 +13,7 @@
 
 #include <doctest/doctest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 #include "platform/odd_things.h"
 #include "ports/file_system.h"
@@ -85,29 +86,6 @@ inline void checkListing(ports::FileSystem& files) {
     CHECK(file != Failure::Kind::notFound);
 }
 
-inline void checkKindsAndPaths(ports::FileSystem& files) {
-    const OddThings things;
-    using Kind = FolderEntry::Kind;
-    const auto kindOf = [&](const std::string& name) -> std::optional<Kind> {
-        const auto kind = files.kindOf(things.folder / name);
-        return kind ? std::optional{*kind} : std::nullopt;
-    };
-    CHECK(kindOf("note") == Kind::file);
-    CHECK(kindOf("toFolder") == Kind::folder);
-    CHECK(kindOf("pipe") == Kind::other);
-    for (const std::string& name : {std::string("missing"), std::string("toNothing"),
-                                    std::string("note/below"), std::string(300, 'x')}) {
-        CAPTURE(name);
-        CHECK(failureKind(files.kindOf(things.folder / name)) == Failure::Kind::notFound);
-    }
-
-    const auto resolved = files.resolve(things.folder / "folder/../toFolder/");
-    REQUIRE(resolved);
-    CHECK(*resolved == std::filesystem::canonical(things.folder.path()).string() + "/folder");
-    CHECK(failureKind(files.resolve(things.folder / "toNothing")) == Failure::Kind::notFound);
-    CHECK(failureKind(files.resolve(things.folder / "loop")));
-}
-
 /// What `readEach` said of each file: its bytes, or the kind of its failure.
 struct Told {
     std::string bytes;
@@ -129,6 +107,129 @@ inline std::vector<Told> toldOf(ports::FileSystem& files, const std::string& fol
     });
     CHECK(done);
     return told;
+}
+
+/// A survey by name and as a whole must tell the same of an entry.
+inline std::map<std::string, ports::SurveyedEntry> surveyOf(ports::FileSystem& files,
+                                                            const std::string& folder,
+                                                            std::vector<std::string> names) {
+    std::map<std::string, ports::SurveyedEntry> entries;
+    const auto whole = files.survey(folder);
+    REQUIRE(whole);
+    for (const ports::SurveyedEntry& entry : *whole) {
+        entries[entry.name] = entry;
+    }
+    const auto named = files.surveyNames(folder, names);
+    REQUIRE(named);
+    REQUIRE(named->size() == names.size());
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        CAPTURE(names[index]);
+        const auto& entry = (*named)[index];
+        REQUIRE(entry.has_value() == entries.contains(names[index]));
+        if (entry) {
+            const ports::SurveyedEntry& other = entries[names[index]];
+            CHECK(entry->name == other.name);
+            CHECK(entry->kind == other.kind);
+            CHECK(entry->stamp == other.stamp);
+            CHECK(entry->isPlaceholder == other.isPlaceholder);
+        }
+    }
+    return entries;
+}
+
+inline void checkSurveys(ports::FileSystem& files) {
+    const OddThings things;
+    const std::string odd = "\xff\xfe name";
+    things.folder.write(odd, "1");
+    things.folder.write("folder/below", "");
+    const auto entries =
+        surveyOf(files, things.folder.path(),
+                 {"toNote", "note", "missing", "note", odd, "", ".", "..", "folder/below", "note/",
+                  std::string("note\0", 5), "pipe", "toNothing", "folder", "toFolder", "loop",
+                  std::string(300, 'x')});
+    using Kind = FolderEntry::Kind;
+    std::map<std::string, Kind> kinds;
+    for (const auto& [name, entry] : entries) {
+        CAPTURE(name);
+        kinds[name] = entry.kind;
+        CHECK_FALSE(entry.isPlaceholder);
+        const bool hasStamp = entry.kind == Kind::file || entry.kind == Kind::folder;
+        CHECK((entry.stamp != ports::FileStamp{}) == hasStamp);
+    }
+    CHECK(kinds == std::map<std::string, Kind>{{"note", Kind::file},
+                                               {"folder", Kind::folder},
+                                               {"pipe", Kind::other},
+                                               {"toNote", Kind::link},
+                                               {"toFolder", Kind::link},
+                                               {"toNothing", Kind::link},
+                                               {"loop", Kind::link},
+                                               {odd, Kind::file}});
+    const auto contents = files.read(things.folder / "note");
+    REQUIRE(contents);
+    CHECK(entries.at("note").stamp == contents->stamp);
+    CHECK(surveyOf(files, things.folder / "toFolder", {"below"}).size() == 1);
+    for (const char* folder : {"missing", "note", "toNothing"}) {
+        CAPTURE(folder);
+        const auto whole = failureKind(files.survey(things.folder / folder));
+        CHECK(whole);
+        CHECK(failureKind(files.surveyNames(things.folder / folder, {})) == whole);
+        CHECK((whole == Failure::Kind::notFound) == (folder != std::string_view("note")));
+    }
+}
+
+/// A shell that a sync client has put in a file's place; false: this file system keeps no marks.
+inline bool makePlaceholder(const TempFolder& folder, std::string_view name,
+                            std::string_view bytes = " ") {
+    const std::string file = folder.write(name, bytes);
+    return ::setxattr(file.c_str(), "user.nextcloud.hydrate_exec", "nextcloud", 9, 0) == 0;
+}
+
+inline void checkPlaceholders(ports::FileSystem& files) {
+    const TempFolder folder;
+    if (!makePlaceholder(folder, "shell") || !makePlaceholder(folder, "filled", "text")) {
+        MESSAGE("skipped: no extended attributes here");
+        return;
+    }
+    folder.write("short", " ");
+    const auto entries = surveyOf(files, folder.path(), {"shell", "filled", "short"});
+    CHECK(entries.at("shell").isPlaceholder);
+    CHECK_FALSE(entries.at("filled").isPlaceholder);
+    CHECK_FALSE(entries.at("short").isPlaceholder);
+
+    const auto shell = files.read(folder / "shell");
+    REQUIRE_FALSE(shell);
+    CHECK(shell.failure().kind == Failure::Kind::unavailable);
+    CHECK(shell.failure().description ==
+          folder / "shell" + ": the sync program has not downloaded it yet");
+    using Kind = FolderEntry::Kind;
+    CHECK(toldOf(files, folder.path(),
+                 {{"short", Kind::file}, {"shell", Kind::file}, {"filled", Kind::file}}) ==
+          std::vector<Told>{{" ", std::nullopt, 1},
+                            {"", Failure::Kind::unavailable, 0},
+                            {"text", std::nullopt, 4}});
+}
+
+inline void checkKindsAndPaths(ports::FileSystem& files) {
+    const OddThings things;
+    using Kind = FolderEntry::Kind;
+    const auto kindOf = [&](const std::string& name) -> std::optional<Kind> {
+        const auto kind = files.kindOf(things.folder / name);
+        return kind ? std::optional{*kind} : std::nullopt;
+    };
+    CHECK(kindOf("note") == Kind::file);
+    CHECK(kindOf("toFolder") == Kind::folder);
+    CHECK(kindOf("pipe") == Kind::other);
+    for (const std::string& name : {std::string("missing"), std::string("toNothing"),
+                                    std::string("note/below"), std::string(300, 'x')}) {
+        CAPTURE(name);
+        CHECK(failureKind(files.kindOf(things.folder / name)) == Failure::Kind::notFound);
+    }
+
+    const auto resolved = files.resolve(things.folder / "folder/../toFolder/");
+    REQUIRE(resolved);
+    CHECK(*resolved == std::filesystem::canonical(things.folder.path()).string() + "/folder");
+    CHECK(failureKind(files.resolve(things.folder / "toNothing")) == Failure::Kind::notFound);
+    CHECK(failureKind(files.resolve(things.folder / "loop")));
 }
 
 inline void checkReadingEach(ports::FileSystem& files) {
@@ -240,6 +341,10 @@ inline void checkRefusals(ports::FileSystem& files) {
         CHECK(failureKind(files.read(folder / "closed/note")) == denied);
         CHECK(failureKind(files.kindOf(folder / "closed/note")) == denied);
         CHECK(failureKind(files.list(folder / "closed")) == denied);
+        CHECK(failureKind(files.survey(folder / "closed")) == denied);
+        const std::vector<std::string> note{"note"};
+        CHECK(failureKind(files.surveyNames(folder / "closed", note)) == denied);
+        CHECK(files.survey(folder / "open"));
         CHECK(toldOf(files, folder / "open", {{"secret", FolderEntry::Kind::file}}) ==
               std::vector<Told>{{"", denied, 0}});
     }
@@ -255,6 +360,12 @@ inline void checkFileSystem(const std::function<std::unique_ptr<ports::FileSyste
     }
     SUBCASE("list tells what is there") {
         checkListing(*files);
+    }
+    SUBCASE("survey and surveyNames tell the state of what is there") {
+        checkSurveys(*files);
+    }
+    SUBCASE("a sync client's placeholder is told from a note, and not read") {
+        checkPlaceholders(*files);
     }
     SUBCASE("kindOf and resolve follow links") {
         checkKindsAndPaths(*files);

@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -56,6 +58,13 @@ public:
 
     base::Result<std::vector<ports::FolderEntry>> list(const std::string& folder) override {
         return pass("list", folder, [&] { return _files.list(folder); });
+    }
+    base::Result<std::vector<ports::SurveyedEntry>> survey(const std::string& folder) override {
+        return pass("survey", folder, [&] { return _files.survey(folder); });
+    }
+    base::Result<std::vector<std::optional<ports::SurveyedEntry>>> surveyNames(
+        const std::string& folder, std::span<const std::string> names) override {
+        return pass("surveyNames", folder, [&] { return _files.surveyNames(folder, names); });
     }
     base::Result<ports::FileContents> read(const std::string& file) override {
         return pass("read", file, [&] { return _files.read(file); });
