@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <future>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -24,8 +25,8 @@
 #include "platform/system_clock.h"
 #include "store/data_store.h"
 #include "store/day_tasks.h"
+#include "store/note_cache.h"
 #include "store/note_reader.h"
-#include "store/note_set.h"
 
 namespace {
 
@@ -35,8 +36,9 @@ using namespace std::chrono_literals;
 constexpr base::Day lastDayOfCorpus = 2019y / 12 / 31;
 
 struct Request {
-    const store::DataStore& store;
+    store::DataStore& store;
     base::Executor& executor;
+    ports::Clock& clock;
     std::string_view needle;  ///< in lower case; empty: none is sought
 };
 
@@ -79,27 +81,34 @@ std::string asciiLower(std::string text) {
     return text;
 }
 
-std::size_t notesWith(std::string_view needle, const store::NoteSet& notes) {
+std::size_t notesWith(std::string_view needle, const store::NoteCache& notes) {
     std::size_t count = 0;
-    for (const auto& note : notes.generalNotes) {
-        count += asciiLower(std::string(note->content.view())).find(needle) != std::string::npos;
-    }
-    for (const auto& [day, note] : notes.calendarNotes) {
-        count += asciiLower(std::string(note->content.view())).find(needle) != std::string::npos;
-    }
+    const auto countIn = [&](std::string_view content) {
+        count += asciiLower(std::string(content)).find(needle) != std::string::npos;
+    };
+    notes.generalNotes()->forEach([&](const auto& note) { countIn(note->note.content); });
+    notes.calendarNotes()->forEach([&](const auto& note) { countIn(note->content); });
     return count;
 }
 
 void load(const Request& request) {
-    const store::NoteSet notes = store::loadNotes(request.store, request.executor, {});
+    store::NoteCache notes({request.store,
+                            request.executor,
+                            request.clock,
+                            [] { return store::CountSettings(); },
+                            {}});
+    std::promise<void> loaded;
+    notes.setOnHasLoaded([&loaded] { loaded.set_value(); });
+    notes.load();
+    loaded.get_future().wait();
     std::array<std::size_t, 4> sums{};
-    for (const auto& [day, note] : notes.calendarNotes) {
+    notes.calendarNotes()->forEach([&](const auto& note) {
         sums[0] += note->model.numOpenTodos;
         sums[1] += note->model.numScheduledTodos;
         sums[2] += note->model.numDoneTodos;
         sums[3] += note->model.numCancelledTodos;
-    }
-    printRead(notes.report);
+    });
+    printRead(*notes.loadReport());
     fmt::print(
         ", \"openInCalendar\": {}, \"scheduledInCalendar\": {}, \"doneInCalendar\": {}, "
         "\"cancelledInCalendar\": {}",
@@ -136,8 +145,9 @@ void gatherDays(const Request& request) {
 struct Mode {
     std::string_view name;
     void (*run)(const Request&);
+    unsigned idleThreads;  ///< of ours, that do not work along with the pool
 };
-constexpr Mode modes[] = {{"read", readOnly}, {"load", load}, {"day", gatherDays}};
+constexpr Mode modes[] = {{"read", readOnly, 0}, {"load", load, 1}, {"day", gatherDays, 0}};
 
 const Mode* findMode(std::string_view name) {
     const auto found = std::find_if(std::begin(modes), std::end(modes),
@@ -153,13 +163,15 @@ store::DataStore::Roots rootsFor(const char* root) {
 
 /// A data folder, with all that its owner wants; nothing is written here.
 struct DataFolder {
-    explicit DataFolder(const char* root) : roots(rootsFor(root)) {}
+    DataFolder(const char* root, unsigned idleThreads)
+        : pool(std::max(2U, std::thread::hardware_concurrency()) - 1 + idleThreads),
+          roots(rootsFor(root)) {}
 
     platform::PosixFileSystem files;
     platform::PosixFileChanges changes;
     platform::FlockFolderLocks locks{"/nowhere"};
     platform::SystemClock clock;
-    base::ThreadPool pool{std::max(1U, std::thread::hardware_concurrency() - 1)};
+    base::ThreadPool pool;
     store::History history{{files, changes, locks, clock}, "/nowhere"};
     store::SafeFiles safeFiles{{files, changes, locks, history}};
     store::DataStore::Roots roots;
@@ -176,7 +188,8 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "usage: load_notes ROOT read|load|day [--needle WORD]\n");
         return 2;
     }
-    DataFolder folder(argv[1]);
+    DataFolder folder(argv[1], mode->idleThreads);
     fmt::print("{{");
-    mode->run({folder.dataStore, folder.pool, argc == 5 ? argv[4] : std::string_view{}});
+    mode->run(
+        {folder.dataStore, folder.pool, folder.clock, argc == 5 ? argv[4] : std::string_view{}});
 }

@@ -200,6 +200,7 @@ public:
     base::Result<base::Day> mergeDisconnectedCalendarNote(std::string_view filename);
 
     ports::FileSystem& files() const { return _tools.files; }
+    const std::string& bundleIdentifier() const { return _roots.bundleIdentifier; }
 
 private:
     base::Result<std::string> pathIn(const std::string& rootFolder, base::NoteType type,

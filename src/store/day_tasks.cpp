@@ -221,7 +221,7 @@ std::vector<NoteTask> DayTasks::ofNote(base::Day day) const {
     return records;
 }
 
-std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
+std::vector<DayTasks::Found> DayTasks::foundFor(base::Day day) const {
     Copies copies(*this);
     std::vector<Found> tasks;
     eachTask([&](const Found& task) {
@@ -229,7 +229,23 @@ std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
             tasks.push_back(task);
         }
     });
-    return inOrder(std::move(tasks), everyTask);
+    return tasks;
+}
+
+std::vector<NoteTask> DayTasks::scheduledTo(base::Day day) const {
+    return inOrder(foundFor(day), everyTask);
+}
+
+DayTasks::Counts DayTasks::countGeneral(base::Day day) const {
+    Counts counts;
+    for (const Found& task : foundFor(day)) {
+        const TodoType type = task.line->line.type;
+        if (task.note->type == base::NoteType::note) {
+            counts.open += type == TodoType::open || type == TodoType::scheduled;
+            counts.done += type == TodoType::done;
+        }
+    }
+    return counts;
 }
 
 OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {

@@ -59,6 +59,14 @@ public:
     /// an original whose copy stands in the day's note is left out.
     std::vector<NoteTask> scheduledTo(base::Day day) const;
 
+    /// How many of `scheduledTo` are of general notes, and open (a scheduled line that stands for
+    /// itself is) or done. No records are made.
+    struct Counts {
+        std::size_t open = 0;
+        std::size_t done = 0;
+    };
+    Counts countGeneral(base::Day day) const;
+
     /// The open tasks planned for a day before `today`, the oldest first, none twice: a task that
     /// a schedule tag plans for later is not overdue, whatever its note's day.
     /// Records are made for the first `most` alone: there may be thousands that nobody looks at.
@@ -94,6 +102,7 @@ private:
 
     template <class Visit>
     void eachTask(Visit visit) const;
+    std::vector<Found> foundFor(base::Day day) const;
     static std::optional<base::Day> plannedDay(const Found& task);
     static NoteTask recordOf(const Found& found);
     static std::vector<NoteTask> inOrder(std::vector<Found> tasks, std::size_t most);

@@ -42,17 +42,17 @@ std::vector<grammar::Todo> LoadedNote::datedTodos() const {
     return todos;
 }
 
-LoadedNote loadNote(std::string filename, std::string_view bytes, const ports::FileStamp& stamp,
-                    const CountSettings& settings, LoadingTools& tools) {
+LoadedNote loadNote(std::string filename, base::SharedText content, const ports::FileStamp& stamp,
+                    const CountSettings& settings, grammar::NoteScanner& scanner) {
     LoadedNote note;
     note.filename = std::move(filename);
-    note.content = tools.texts.keep(decodedText(bytes).value_or(std::string_view()));
+    note.content = std::move(content);
     note.title = grammar::noteTitle(note.content, baseName(note.filename));
     note.contentChangedDate = stamp.modified;
     note.contentCreatedDate = stamp.created;
     NoteTags tags;
-    tools.scanner.start(note.content, settings.markers);
-    while (const grammar::ScannedLine* line = tools.scanner.nextWithSign()) {
+    scanner.start(note.content, settings.markers);
+    while (const grammar::ScannedLine* line = scanner.nextWithSign()) {
         tags.add(*line);
         if (isDatedTask(*line)) {
             note.datedLines.push_back(placeOf(*line));
@@ -60,7 +60,18 @@ LoadedNote loadNote(std::string filename, std::string_view bytes, const ports::F
     }
     note.hashTags = tags.hashTags.take();
     note.atTags = tags.atTags.take();
+    // A hundred thousand notes are held like this one.
+    note.datedLines.shrink_to_fit();
+    note.hashTags.shrink_to_fit();
+    note.atTags.shrink_to_fit();
     return note;
+}
+
+LoadedNote loadNote(std::string filename, std::string_view bytes, const ports::FileStamp& stamp,
+                    const CountSettings& settings, LoadingTools& tools) {
+    return loadNote(std::move(filename),
+                    tools.texts.keep(decodedText(bytes).value_or(std::string_view())), stamp,
+                    settings, tools.scanner);
 }
 
 }  // namespace tessaly::store

@@ -48,7 +48,11 @@ struct LoadingTools {
     base::TextArena texts;
 };
 
-/// Reads `bytes` into a note.
+/// Makes a note of its content, which is as that of a `LoadedNote`.
+LoadedNote loadNote(std::string filename, base::SharedText content, const ports::FileStamp& stamp,
+                    const CountSettings& settings, grammar::NoteScanner& scanner);
+
+/// Reads `bytes` into a note; its content lies in the arena.
 LoadedNote loadNote(std::string filename, std::string_view bytes, const ports::FileStamp& stamp,
                     const CountSettings& settings, LoadingTools& tools);
 

@@ -11,8 +11,7 @@
 #include "base/localisation.h"
 #include "base/temporary_name.h"
 #include "base/utf8.h"
-#include "store/conflict_patterns.h"
-#include "store/note_names.h"
+#include "store/entry_role.h"
 #include "store/notes_by_name.h"
 #include "store/paths.h"
 #include "store/work_queue.h"
@@ -24,7 +23,6 @@ using base::Failure;
 using ports::FolderEntry;
 using Kind = FolderEntry::Kind;
 
-constexpr std::string_view attachmentsFolder = "_attachments";
 // So few that two threads end at about the same time, so many that a folder is opened seldom.
 constexpr std::size_t chunkFiles = 32;
 constexpr std::size_t filesBetweenTellings = 512;
@@ -43,23 +41,8 @@ struct Job {
     std::span<const FolderEntry> files;
 };
 
-bool isPassedOver(const FolderEntry& entry) {
-    return entry.name.starts_with('.') || entry.name == attachmentsFolder;
-}
-
 bool isNoteFile(const FolderEntry& entry) {
-    return entry.kind == Kind::file && !isPassedOver(entry) && isNoteFilename(entry.name) &&
-           base::isUtf8(entry.name);
-}
-
-bool mayBeConflictCopy(const FolderEntry& entry) {
-    return mayBeConflictName(entry.name) && entry.kind == Kind::file && !isPassedOver(entry) &&
-           base::isUtf8(entry.name);
-}
-
-bool isPlaceholderOfNote(std::string_view name) {
-    const auto note = nameOfPlaceholder(name);
-    return note && isNoteFilename(*note);
+    return entryRole(entry) == EntryRole::note;
 }
 
 template <class Items>
@@ -138,13 +121,8 @@ private:
         setCopiesAside(worker, *folder);
         const auto rest =
             std::partition(folder->entries.begin(), folder->entries.end(), isNoteFile);
-        std::for_each(rest, folder->entries.end(), [&](const FolderEntry& entry) {
-            if (!isPassedOver(entry)) {
-                handleOther(worker, *folder, entry);
-            } else if (entry.kind == Kind::file && base::nameOfTemporary(entry.name)) {
-                _reports[worker].temporaries.push_back(pathInData(*folder, entry.name));
-            }
-        });
+        std::for_each(rest, folder->entries.end(),
+                      [&](const FolderEntry& entry) { handleOther(worker, *folder, entry); });
         std::span<const FolderEntry> files(folder->entries.begin(), rest);
         while (files.size() > chunkFiles) {
             _queue.push({folder, files.last(chunkFiles)});
@@ -179,44 +157,51 @@ private:
     }
 
     void handleOther(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
-        if (entry.kind == Kind::link) {
-            handleLink(worker, folder, entry);
-            return;
+        switch (entryRole(entry)) {
+            case EntryRole::note: break;
+            case EntryRole::folder: enterFolder(worker, folder, entry.name); break;
+            case EntryRole::placeholder:
+                skip(worker, folder.type, joined(folder.name, entry.name),
+                     {Failure::Kind::unavailable,
+                      base::tr("the sync program has not downloaded it yet")});
+                break;
+            case EntryRole::unreadable:
+                skip(worker, folder.type, joined(folder.name, entry.name), whyUnreadable(entry));
+                break;
+            case EntryRole::passedOver: handlePassedOver(worker, folder, entry); break;
         }
-        const bool isFolder = entry.kind == Kind::folder;
-        std::string name = joined(folder.name, entry.name);
-        if (entry.kind == Kind::file && isPlaceholderOfNote(entry.name)) {
-            skip(worker, folder.type, name,
-                 {Failure::Kind::unavailable,
-                  base::tr("the sync program has not downloaded it yet")});
-            return;
+    }
+
+    void enterFolder(std::size_t worker, const Folder& above, const std::string& own) {
+        std::string name = joined(above.name, own);
+        if (_options.visitFolder) {
+            _options.visitFolder(worker, above.type, name);
         }
-        if (!isFolder && !isNoteFilename(entry.name)) {
-            return;
-        }
-        if (!base::isUtf8(entry.name)) {
-            skip(worker, folder.type, name,
-                 {Failure::Kind::malformed, base::tr("its name is not UTF-8")});
-        } else if (isFolder) {
-            if (_options.visitFolder) {
-                _options.visitFolder(worker, folder.type, name);
-            }
-            auto below = std::make_shared<Folder>(
-                Folder{folder.type, std::move(name), joined(folder.path, entry.name), {}});
-            _queue.push({std::move(below), {}});
-        } else {
-            skip(worker, folder.type, name,
-                 {Failure::Kind::notAFile, base::tr("not a regular file")});
-        }
+        auto below = std::make_shared<Folder>(
+            Folder{above.type, std::move(name), joined(above.path, own), {}});
+        _queue.push({std::move(below), {}});
     }
 
     // What a link inside the data folder leads to is read where it lies; what lies outside is not
     // ours.
-    void handleLink(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
-        const auto kind = _files.kindOf(joined(folder.path, entry.name));
-        if (isNoteFilename(entry.name) || (kind && *kind == Kind::folder)) {
-            skip(worker, folder.type, joined(folder.name, entry.name),
-                 {Failure::Kind::notAFile, base::tr("links are not followed")});
+    static Failure whyUnreadable(const FolderEntry& entry) {
+        if (entry.kind == Kind::link) {
+            return {Failure::Kind::notAFile, base::tr("links are not followed")};
+        }
+        if (!base::isUtf8(entry.name)) {
+            return {Failure::Kind::malformed, base::tr("its name is not UTF-8")};
+        }
+        return {Failure::Kind::notAFile, base::tr("not a regular file")};
+    }
+
+    void handlePassedOver(std::size_t worker, const Folder& folder, const FolderEntry& entry) {
+        if (entry.kind == Kind::file && base::nameOfTemporary(entry.name)) {
+            _reports[worker].temporaries.push_back(pathInData(folder, entry.name));
+        } else if (entry.kind == Kind::link && isCoveredPath(entry.name)) {
+            const auto kind = _files.kindOf(joined(folder.path, entry.name));
+            if (kind && *kind == Kind::folder) {
+                skip(worker, folder.type, joined(folder.name, entry.name), whyUnreadable(entry));
+            }
         }
     }
 

@@ -8,6 +8,8 @@
 
 #include "base/localisation.h"
 #include "store/change_session.h"
+#include "store/foreign_names.h"
+#include "store/new_files.h"
 #include "store/paths.h"
 
 namespace tessaly::store {
@@ -64,6 +66,19 @@ Result<T> during(const SafeFiles::Tools& tools, const std::string& root, const C
     // Left over is what died before, or another's; the outcome of this change stands.
     [[maybe_unused]] const auto ended = session.end();
     return outcome;
+}
+
+/// What leaves the folder that a sync client watches is gone for the client, which then removes it
+/// everywhere. Of a placeholder nobody would have the text.
+Result<Done> checkIsHere(ports::FileSystem& files, const std::string& file) {
+    const std::string name(lastComponent(file));
+    const auto found = files.surveyNames(parentOf(file), {&name, 1});
+    if (!found) {
+        return found.failure();
+    }
+    const auto& entry = found->front();
+    const bool isPlaceholder = nameOfPlaceholder(name) || (entry && entry->isPlaceholder);
+    return isPlaceholder ? Result<Done>(notDownloaded(file)) : Done{};
 }
 
 /// A change of the bytes of a file from what was read.
@@ -138,6 +153,9 @@ Result<Done> SafeFiles::create(const std::string& root, const std::string& file,
 Result<Done> SafeFiles::trash(const std::string& root, const std::string& file,
                               const ports::Trash& trash) {
     return during<Done>(_tools, root, [&](ChangeSession&) {
+        if (auto here = checkIsHere(_tools.files, file); !here) {
+            return here;
+        }
         if (const auto read = _tools.files.read(file)) {
             [[maybe_unused]] const auto kept =
                 _tools.history.keepOld(file, read->bytes, ChangeCause::trashed);
@@ -184,6 +202,9 @@ Result<Done> SafeFiles::move(const Place& from, const Place& to) {
     if (from.root == to.root) {
         return during<Done>(_tools, to.root,
                             [&](ChangeSession& only) { return moveBetween(only, only); });
+    }
+    if (auto here = checkIsHere(_tools.files, from.file); !here) {
+        return here;
     }
     // In one order always, so that no two processes wait for each other.
     const bool isSourceFirst = from.root < to.root;

@@ -47,7 +47,8 @@ public:
                                     ChangeCause cause = ChangeCause::created);
 
     /// Moves a file to the desktop's trash, its bytes in the history if they can be read and kept:
-    /// it can be taken back from the trash as well. Failure: it is as it was.
+    /// it can be taken back from the trash as well. Failure: it is as it was; `unavailable`: it is
+    /// a sync client's placeholder.
     base::Result<base::Done> trash(const std::string& root, const std::string& file,
                                    const ports::Trash& trash);
 
@@ -68,7 +69,8 @@ public:
         std::string file;
     };
 
-    /// As above, from one data folder into another, under the locks of both.
+    /// As above, from one data folder into another, under the locks of both. Failure `unavailable`:
+    /// it is a sync client's placeholder.
     base::Result<base::Done> move(const Place& from, const Place& to);
 
     enum class Settle { whenSomebodyDied, always };

@@ -6,8 +6,10 @@
 #include <vector>
 
 #include <doctest/doctest.h>
+#include <sys/xattr.h>
 
 #include "store/data_store.h"
+#include "store/paths.h"
 #include "store_fixture.h"
 #include "support/log_capture.h"
 
@@ -144,6 +146,65 @@ TEST_CASE("text that cannot be added leaves everything as it was, and one line i
     row(NoteType::note, "Folder.txt", "new", Failure::Kind::notAFile, "Folder.txt");
     row(NoteType::note, "../x.txt", "new", Failure::Kind::outside, "../x.txt");
     row(NoteType::none, "x.txt", "new", Failure::Kind::outside, "x.txt");
+}
+
+TEST_CASE("nothing is written over a sync client's placeholder, nor is it taken away") {
+    StoreFixture fixture(StoreFixture::Root::chosen);
+    const std::string file = fixture.folder.write("share/org.example/Notes/Far.txt", " ");
+    if (::setxattr(file.c_str(), "user.nextcloud.hydrate_exec", "nextcloud", 9, 0) != 0) {
+        MESSAGE("skipped: no extended attributes here");
+        return;
+    }
+    fixture.folder.write("share/org.example/Notes/Near.txt.nextcloud", " ");
+    const std::string& root = fixture.root;
+    const auto anyText = [](std::string_view) { return std::optional<std::string>("new"); };
+    const ports::FileContents read{" ", fixture.files.survey(store::parentOf(file))->at(0).stamp};
+    const auto refusal = [](const auto& result) {
+        return result.ok() ? std::nullopt : std::optional(result.failure().kind);
+    };
+    using Operation = std::function<std::optional<Failure::Kind>()>;
+    const auto add = [&](WriteMode mode) {
+        return [&, mode] {
+            return refusal(fixture.store.addText("new", NoteType::note, "Far.txt", mode));
+        };
+    };
+    const auto push = [&](const char* name) {
+        return [&, name] {
+            fixture.cloudContainer = [&] { return fixture.folder / "cloud"; };
+            return refusal(fixture.store.pushToCloudDrive(NoteType::note, name));
+        };
+    };
+    const std::pair<const char*, Operation> rows[] = {
+        {"append", add(WriteMode::append)},
+        {"prepend", add(WriteMode::prepend)},
+        {"overwrite", add(WriteMode::overwrite)},
+        {"delete a range",
+         [&] {
+             return refusal(fixture.store.deleteRange(NoteType::note, "Far.txt", {0, 1}));
+         }},
+        {"edit",
+         [&] {
+             return refusal(fixture.safeFiles.edit(root, file, anyText, store::ChangeCause::added));
+         }},
+        {"trash",
+         [&] {
+             return refusal(fixture.safeFiles.trash(
+                 root, file, [&](const std::string& path) { return fixture.disk.remove(path); }));
+         }},
+        {"remove", [&] { return refusal(fixture.safeFiles.remove(root, file)); }},
+        {"replace what was read before",
+         [&] { return refusal(fixture.disk.replace(file, read, "new")); }},
+        {"remove what was read before", [&] { return refusal(fixture.disk.remove(file, &read)); }},
+        {"push to another folder", push("Far.txt")},
+        {"push a shell that has a name of its own", push("Near.txt.nextcloud")},
+    };
+    LogCapture log;
+    for (const auto& [what, operation] : rows) {
+        CAPTURE(what);
+        CHECK(operation() == Failure::Kind::unavailable);
+        CHECK(fixture.folder.read("share/org.example/Notes/Far.txt") == " ");
+        CHECK(fixture.folder.exists("share/org.example/Notes/Near.txt.nextcloud"));
+    }
 }
 
 TEST_CASE("a range is deleted from the text, or the log tells why not") {

@@ -18,7 +18,6 @@
 #include "base/utf8.h"
 #include "store/note_names.h"
 #include "store/note_reader.h"
-#include "store/note_set.h"
 #include "store_fixture.h"
 
 using namespace tessaly;
@@ -295,33 +294,5 @@ TEST_CASE("conflict copies beside their originals are reported, not delivered") 
                                        "Notes/sub/bad \xEF\xBF\xBD (conflicted).txt",
                                        "Notes/sub/bad \xEF\xBF\xBD.txt"});
         CHECK(reading.report.files == reading.files.size());
-    }
-}
-
-TEST_CASE("all notes of a data folder are loaded in order") {
-    tests::StoreFixture fixture;
-    const auto& folder = fixture.folder;
-    folder.write("data/Notes/b/c.txt", "# C\n* [ ] x >2019-03-06");
-    folder.write("data/Notes/a.md", "text #tag");
-    folder.write("data/Notes/b/broken.txt", "caf\xE9");
-    folder.write("data/Calendar/20190305.txt", "\xEF\xBB\xBF* one\n* [x] two @bob");
-    folder.write("data/Calendar/2019-03-05.txt", "stray");
-    folder.write("data/Calendar/old/20190301.txt", "stray too");
-    for (const std::size_t threads : {1U, 3U}) {
-        base::ThreadPool pool(threads);
-        const auto notes = store::loadNotes(fixture.store, pool, {});
-        std::string general;
-        for (const auto& note : notes.generalNotes) {
-            general += note->filename + "|" + note->title + (note->isFolder ? "|folder\n" : "\n");
-        }
-        CHECK(general == "a.md|text #tag\nb|b|folder\nb/broken.txt|broken\nb/c.txt|C\n");
-        CHECK(notes.strays == std::vector<std::string>{"2019-03-05.txt", "old/20190301.txt"});
-        REQUIRE(notes.calendarNotes.size() == 1);
-        const auto& [day, note] = *notes.calendarNotes.begin();
-        CHECK(base::fileText(day) == "20190305");
-        CHECK(note->content.view() == "* one\n* [x] two @bob");
-        CHECK(note->model.numOpenTodos == 1);
-        CHECK(note->model.atTags == std::vector<std::string>{"@bob"});
-        CHECK(notes.report.files == 6);
     }
 }

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "store/note_cache.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "store/note_loading.h"
+#include "store/note_names.h"
+
+namespace tessaly::store {
+namespace {
+
+constexpr int daysAhead = 10;
+
+std::string queueLabel(const DataStore& store, std::string_view collection) {
+    return std::string(store.bundleIdentifier()).append(".NoteCache.").append(collection);
+}
+
+template <class T>
+std::shared_ptr<const T> shared(T value) {
+    return std::make_shared<const T>(std::move(value));
+}
+
+}  // namespace
+
+NoteCache::NoteCache(Tools tools)
+    : _tools(std::move(tools)),
+      _generalNotesQueue(queueLabel(_tools.store, "GeneralNotes"), _tools.executor),
+      _calendarNotesQueue(queueLabel(_tools.store, "CalendarNotes"), _tools.executor),
+      _lineAtTagsQueue(queueLabel(_tools.store, "lineAtTags"), _tools.executor),
+      _lineHashTagsQueue(queueLabel(_tools.store, "lineHashTags"), _tools.executor),
+      _semaphore(_tools.executor) {}
+
+NoteCache::~NoteCache() = default;
+
+bool NoteCache::initialUpdateDone() const {
+    return _initialUpdateDone;
+}
+
+void NoteCache::load(LoadOptions options) {
+    _semaphore.enter([this, options = std::move(options)] { loadAll(options); });
+}
+
+void NoteCache::loadAll(const LoadOptions& options) {
+    _settings = _tools.countSettings();
+    _root = resolvedRoot();
+    setCalendarNotes(shared(loadDays(_tools.store, _tools.clock.today(), daysAhead, _settings)));
+    NoteReader::Options reading;
+    reading.progress = options.progress;
+    reading.cancelled = options.cancelled;
+    LoadedNotes notes = loadNotes(_tools.store, _tools.executor, _settings, std::move(reading));
+    if (notes.report.cancelled) {
+        setCalendarNotes(shared(CalendarNotes()));
+        return;
+    }
+    setGeneralNotes(shared(std::move(notes.generalNotes)));
+    setCalendarNotes(shared(std::move(notes.calendarNotes)));
+    setTags(shared(std::move(notes.lineAtTags)), shared(std::move(notes.lineHashTags)));
+    _strays.set(shared(std::move(notes.strays)));
+    _report.set(shared(std::move(notes.report)));
+    _areNoteTasksCounted = false;
+    _semaphore.enter([this] { countNoteTasks(); });
+    finishLoading();
+}
+
+std::string NoteCache::resolvedRoot() const {
+    std::string root = _tools.store.root();
+    auto resolved = _tools.store.files().resolve(root);
+    return resolved ? *std::move(resolved) : root;
+}
+
+void NoteCache::finishLoading() {
+    std::function<void()> onHasLoaded;
+    {
+        const std::scoped_lock lock(_mutex);
+        _initialUpdateDone = true;
+        onHasLoaded = std::exchange(_onHasLoaded, nullptr);
+    }
+    if (onHasLoaded) {
+        onHasLoaded();
+    }
+    tell({true, true, true, true, {}});
+}
+
+void NoteCache::setOnHasLoaded(std::function<void()> onHasLoaded) {
+    {
+        const std::scoped_lock lock(_mutex);
+        if (!_initialUpdateDone) {
+            _onHasLoaded = std::move(onHasLoaded);
+            return;
+        }
+    }
+    if (onHasLoaded) {
+        onHasLoaded();
+    }
+}
+
+void NoteCache::setGeneralNotes(std::shared_ptr<const GeneralNotes> notes) {
+    _generalNotesQueue.sync([&] { _generalNotes.set(std::move(notes)); });
+}
+
+void NoteCache::setCalendarNotes(std::shared_ptr<const CalendarNotes> notes) {
+    _calendarNotesQueue.sync([&] { _calendarNotes.set(std::move(notes)); });
+}
+
+void NoteCache::setTags(std::shared_ptr<const TagCounts> atTags,
+                        std::shared_ptr<const TagCounts> hashTags) {
+    _lineAtTagsQueue.sync([&] { _lineAtTags.set(std::move(atTags)); });
+    _lineHashTagsQueue.sync([&] { _lineHashTags.set(std::move(hashTags)); });
+}
+
+std::optional<KnownText> NoteCache::knownText(base::NoteType type,
+                                              std::string_view filename) const {
+    if (type == base::NoteType::note) {
+        const auto held = _generalNotes.get()->find(filename);
+        return held && !held->note.isFolder
+                   ? std::optional(KnownText{held->note.content, held->note.contentChangedDate})
+                   : std::nullopt;
+    }
+    if (type != base::NoteType::calendar) {
+        return std::nullopt;
+    }
+    if (const auto day = dayOfCalendarFilename(filename)) {
+        const auto held = _calendarNotes.get()->find(*day);
+        return held && held->stamp ? std::optional(KnownText{held->content, held->stamp->modified})
+                                   : std::nullopt;
+    }
+    const auto strays = _strays.get();
+    const auto held = strays->find(filename);
+    return held != strays->end()
+               ? std::optional(KnownText{held->second.content, held->second.stamp.modified})
+               : std::nullopt;
+}
+
+std::vector<std::string> NoteCache::strays() const {
+    std::vector<std::string> names;
+    for (const auto& [filename, stray] : *_strays.get()) {
+        names.push_back(filename);
+    }
+    return names;
+}
+
+void NoteCache::addListener(CacheListener& listener) {
+    const std::scoped_lock lock(_mutex);
+    _listeners.push_back(&listener);
+}
+
+void NoteCache::removeListener(CacheListener& listener) {
+    std::unique_lock lock(_mutex);
+    std::erase(_listeners, &listener);
+    _hasTold.wait(lock, [this] { return !_isTelling; });
+}
+
+void NoteCache::setTagUpdateDelegate(TagUpdateDelegate* delegate) {
+    std::unique_lock lock(_mutex);
+    _tagUpdateDelegate = delegate;
+    _hasTold.wait(lock, [this] { return !_isTelling; });
+}
+
+void NoteCache::tell(const CacheChanges& changes) {
+    if (!changes.any()) {
+        return;
+    }
+    std::vector<CacheListener*> listeners;
+    TagUpdateDelegate* delegate = nullptr;
+    {
+        const std::scoped_lock lock(_mutex);
+        listeners = _listeners;
+        delegate = changes.lineAtTags || changes.lineHashTags ? _tagUpdateDelegate : nullptr;
+        _isTelling = true;
+    }
+    if (delegate != nullptr) {
+        delegate->tagsChanged();
+    }
+    for (CacheListener* listener : listeners) {
+        listener->cacheChanged(changes);
+    }
+    const std::scoped_lock lock(_mutex);
+    _isTelling = false;
+    _hasTold.notify_all();
+}
+
+void NoteCache::waitUntilIdle() {
+    _semaphore.waitUntilFree();
+}
+
+}  // namespace tessaly::store

@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/log.h"
+#include "store/named_notes.h"
+#include "store/note_cache.h"
+#include "store/paths.h"
+
+namespace tessaly::store {
+namespace {
+
+using base::NoteType;
+
+constexpr std::size_t namesInLog = 5;
+
+// "2 files: Notes/a.txt, Calendar/20190305.txt"
+std::string describe(const CloudBatch& batch) {
+    std::string text =
+        std::to_string(batch.notes.size()) + (batch.notes.size() == 1 ? " file" : " files");
+    for (std::size_t index = 0; index < std::min(namesInLog, batch.notes.size()); ++index) {
+        const CloudNote& note = batch.notes[index];
+        const auto name = joined(base::folderName(note.base), filenameOf(note, batch.root));
+        text.append(index == 0 ? ": " : ", ").append(name);
+    }
+    return batch.notes.size() > namesInLog ? text + ", …" : text;
+}
+
+bool isSame(const grammar::MarkerSettings& a, const grammar::MarkerSettings& b) {
+    return a.isAsteriskTodo == b.isAsteriskTodo && a.isDashTodo == b.isDashTodo &&
+           a.isNumbersTodo == b.isNumbersTodo;
+}
+
+bool isSame(const CountSettings& a, const CountSettings& b) {
+    return isSame(a.markers, b.markers) &&
+           a.isIndentedTasksInCalendar == b.isIndentedTasksInCalendar;
+}
+
+template <class T>
+std::shared_ptr<const T> shared(T value) {
+    return std::make_shared<const T>(std::move(value));
+}
+
+// Days that have tasks, and those that had some when they were counted last.
+std::vector<base::Day> daysToCount(const NoteTaskCounts& counts, const CalendarNotes& notes) {
+    std::vector<base::Day> days = counts.days();
+    notes.forEach([&](const CalendarNotes::Pointer& note) {
+        const NoteModel& model = note->model;
+        if ((model.numOpenNoteTodos > 0 || model.numDoneNoteTodos > 0) &&
+            !counts.hasTasks(*model.date)) {
+            days.push_back(*model.date);
+        }
+    });
+    return days;
+}
+
+/// The collection with each item in the place of which `replace(item, scanner)` gives one, made on
+/// all threads.
+template <class Snapshot, class Replace>
+Snapshot replaced(const Snapshot& items, base::Executor& executor, const Replace& replace) {
+    std::vector<std::vector<typename Snapshot::Pointer>> chunks(items.chunks());
+    base::parallelFor(executor, items.chunks(), [&](std::size_t index) {
+        grammar::NoteScanner scanner;
+        for (const auto& item : items.chunk(index)) {
+            chunks[index].push_back(replace(item, scanner));
+        }
+    });
+    std::vector<typename Snapshot::Pointer> all;
+    all.reserve(items.size());
+    for (auto& chunk : chunks) {
+        std::move(chunk.begin(), chunk.end(), std::back_inserter(all));
+    }
+    return Snapshot(std::move(all));
+}
+
+}  // namespace
+
+// What is told ahead is told once more with all there is, and what is not loaded yet will be.
+void NoteCache::onCloudUpdate(const CloudBatch& batch) {
+    const bool isAhead = batch.kind == CloudBatch::Kind::ahead;
+    _semaphore.enter([this, root = batch.root, kind = batch.kind, description = describe(batch),
+                      names = isAhead ? std::vector<NamedNote>() : namesOf(batch)]() mutable {
+        base::logRoutine("onCloudUpdate - ", description);
+        if (root == _root || root == _tools.store.root()) {
+            update(std::move(names), kind);
+        } else if (_initialUpdateDone && root == resolvedRoot()) {
+            loadAll({});
+        }
+    });
+}
+
+void NoteCache::reread(NoteType type, std::string filename) {
+    if (!isCached(type, filename)) {
+        return;
+    }
+    _semaphore.enter([this, name = NamedNote{type, std::move(filename), false}] {
+        update({name}, CloudBatch::Kind::later);
+    });
+}
+
+void NoteCache::update(std::vector<NamedNote> names, CloudBatch::Kind kind) {
+    const bool isAll = kind == CloudBatch::Kind::all;
+    if (!_initialUpdateDone || (names.empty() && !isAll) || !_tools.store.files().resolve(_root)) {
+        return;
+    }
+    recountIfNeeded();
+    NoteUpdate update({_tools.store, _tools.executor, _settings, _root},
+                      {_generalNotes.get(), _calendarNotes.get(), _strays.get()});
+    if (isAll) {
+        update.lookAtAll(std::move(names));
+    } else {
+        update.lookAt(std::move(names), Expected::changed);
+        update.mergeStrays();
+        dispatchRepeats(update);
+    }
+    if (_areNoteTasksCounted) {
+        update.countNoteTasks(_noteTasks);
+    }
+    publish(update);
+}
+
+void NoteCache::dispatchRepeats(NoteUpdate& update) {
+    if (!_tools.onRepeat) {
+        return;
+    }
+    std::vector<NamedNote> changed;
+    for (const FinishedRepeat& found : update.finishedRepeats()) {
+        if (_tools.onRepeat(found)) {
+            changed.push_back({found.type, found.filename});
+        }
+    }
+    if (!changed.empty()) {
+        update.lookAt(std::move(changed), Expected::changed);
+    }
+}
+
+void NoteCache::publish(const NoteUpdate& update) {
+    CacheChanges changes;
+    for (auto& [type, filename] : update.changedNotes()) {
+        changes.generalNotes |= type == NoteType::note;
+        changes.notes.push_back({type, filename});
+    }
+    changes.calendarNotes = update.isCalendarChanged();
+    if (const auto general = update.generalChanges(); !general.empty()) {
+        setGeneralNotes(shared(_generalNotes.get()->with(general)));
+    }
+    if (const auto days = update.calendarChanges(); !days.empty()) {
+        setCalendarNotes(shared(_calendarNotes.get()->with(days)));
+    }
+    if (auto strays = update.strays()) {
+        _strays.set(std::move(strays));
+    }
+    TagDifferences atTags;
+    TagDifferences hashTags;
+    update.addTagDifferences(atTags, hashTags);
+    changes.lineAtTags = atTags.any();
+    changes.lineHashTags = hashTags.any();
+    if (changes.lineAtTags || changes.lineHashTags) {
+        setTags(shared(atTags.appliedTo(*_lineAtTags.get())),
+                shared(hashTags.appliedTo(*_lineHashTags.get())));
+    }
+    tell(changes);
+}
+
+void NoteCache::countNoteTasks() {
+    if (!_initialUpdateDone || _areNoteTasksCounted) {
+        return;
+    }
+    _noteTasks.build(*_generalNotes.get(), _tools.executor);
+    _areNoteTasksCounted = true;
+    NoteUpdate update({_tools.store, _tools.executor, _settings, _root},
+                      {_generalNotes.get(), _calendarNotes.get(), _strays.get()});
+    update.countNoteTasksOf(_noteTasks, daysToCount(_noteTasks, *_calendarNotes.get()));
+    publish(update);
+}
+
+void NoteCache::settingsMayHaveChanged() {
+    _semaphore.enter([this] { recountIfNeeded(); });
+}
+
+void NoteCache::recountIfNeeded() {
+    const CountSettings settings = _tools.countSettings();
+    if (!_initialUpdateDone || isSame(settings, _settings)) {
+        return;
+    }
+    const bool areMarkersSame = isSame(settings.markers, _settings.markers);
+    _settings = settings;
+    if (!areMarkersSame) {
+        setGeneralNotes(recounted(*_generalNotes.get()));
+        _areNoteTasksCounted = false;
+    }
+    setCalendarNotes(recounted(*_calendarNotes.get()));
+    tell({!areMarkersSame, true, false, false, {}});
+    countNoteTasks();
+}
+
+// The markers decide which dated lines are tasks, and nothing else of a general note.
+std::shared_ptr<const GeneralNotes> NoteCache::recounted(const GeneralNotes& notes) const {
+    return shared(
+        replaced(notes, _tools.executor, [this](const auto& item, grammar::NoteScanner& scanner) {
+            const LoadedNote& held = item->note;
+            if (held.isFolder) {
+                return item;
+            }
+            auto note = generalNote(held.filename, held.content, item->stamp, _settings, scanner);
+            return held.datedLines.empty() && note->note.datedLines.empty() ? item : note;
+        }));
+}
+
+std::shared_ptr<const CalendarNotes> NoteCache::recounted(const CalendarNotes& notes) const {
+    return shared(
+        replaced(notes, _tools.executor,
+                 [this](const auto& item, grammar::NoteScanner& scanner) -> CalendarNotes::Pointer {
+                     if (!item->stamp) {
+                         return item;
+                     }
+                     CalendarNote note = *calendarNote(item->model.filename, item->content,
+                                                       *item->stamp, _settings, scanner);
+                     keepOthersCounts(note.model, item->model);
+                     return std::make_shared<const CalendarNote>(std::move(note));
+                 }));
+}
+
+}  // namespace tessaly::store
