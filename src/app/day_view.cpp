@@ -36,10 +36,10 @@ void addNote(Gathered& gathered, const store::NoteFile& file,
 Reading readTasks(Services& services, store::NoteReader::Options options) {
     options.types = {base::NoteType::calendar, base::NoteType::note};
     const grammar::MarkerSettings markers = services.markerSettings();
-    store::NoteReader reader(services.dataStore(), services.ports().executor);
-    std::vector<Gathered> byWorker(reader.workers());
+    const store::NoteCache& cache = services.noteCache();
+    std::vector<Gathered> byWorker(cache.workers());
     Reading reading;
-    reading.report = reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+    reading.report = cache.visit(options, [&](std::size_t worker, const store::NoteFile& file) {
         addNote(byWorker[worker], file, markers);
     });
     for (Gathered& gathered : byWorker) {

@@ -21,13 +21,17 @@ DryRun::DryRun(Services& services)
                  .groupDefaults = _groupDefaults,
                  .clock = services.ports().clock,
                  .executor = services.ports().executor,
+                 .cloudQuery = services.ports().cloudQuery,
+                 .mainQueue = services.ports().mainQueue,
+                 .downloads = services.ports().downloads,
                  .folders = services.ports().folders,
                  .locale = services.ports().locale,
                  .dropboxAuthorised = services.ports().dropboxAuthorised,
                  .cloudContainer = services.ports().cloudContainer,
                  .trash = [this](const std::string& file) { return _files.remove(file); },
                  .questions = services.ports().questions,
-                 .dataFolder = services.ports().dataFolder}) {}
+                 .dataFolder = services.ports().dataFolder,
+                 .isTestMode = true}) {}
 
 DryRun::~DryRun() {
     base::setLogSink(_logBefore);

@@ -2,16 +2,13 @@
 #include "app/migration.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
-#include "base/localisation.h"
 #include "store/paths.h"
 
 namespace tessaly::app {
 namespace {
 
-using base::tr;
 using Kind = ports::FolderEntry::Kind;
 
 /// Whether anything but folders lies below; what cannot be listed may hold something.
@@ -24,10 +21,6 @@ bool holdsFiles(ports::FileSystem& files, const std::string& folder) {
         return entry.kind != Kind::folder || holdsFiles(files, store::joined(folder, entry.name));
     });
 }
-
-// By the buttons of the offer.
-constexpr std::array answers{MigrationAnswer::move, MigrationAnswer::seePreferences,
-                             MigrationAnswer::never};
 
 }  // namespace
 
@@ -49,36 +42,28 @@ Migration migrationState(Services& services) {
                                                                      : Migration::nothingLocal;
 }
 
-base::Result<MigrationAnswer> askForMigration(Services& services) {
-    const auto answer = services.ports().questions(
-        {tr("iCloud Drive Detected!"),
-         tr("You have notes saved locally outside of iCloud Drive. iCloud Drive is available now "
-            "and "
-            "will be used. Do you want to move your notes to iCloud Drive (to sync with other "
-            "devices)? You can also do this from your Tessaly preferences."),
-         {tr("Yes, move my notes"), tr("See sync preferences"), tr("Don't show this again")}});
-    if (!answer || *answer >= answers.size()) {
-        return MigrationAnswer::notGiven;
-    }
-    if (answers[*answer] == MigrationAnswer::never) {
-        const auto stored = services.ports().standardDefaults.setValue(shouldMigrateFiles, false);
-        if (!stored) {
-            return stored.failure();
-        }
-    }
-    return answers[*answer];
-}
-
 store::MoveReport migrate(Services& services, const store::MoveOptions& options) {
     return services.dataStore().moveAllToCloudDrive(options);
 }
 
-void tellOfMigration(Services& services) {
-    services.ports().questions(
-        {tr("Moving Your Notes"),
-         tr("Moving your notes to iCloud Drive has completed. Restart Tessaly to rebuild the "
-            "database."),
-         {}});
+bool isWhole(const store::MoveReport& report) {
+    return report.failed.empty() && !report.cancelled;
+}
+
+std::optional<OfferResult> offerMigration(Services& services, const store::MoveOptions& options) {
+    sync::MigrationOffer& offer = services.migrationOffer();
+    if (offer.didShowMigrationDialog() || offer.isUnwanted() ||
+        migrationState(services) != Migration::possible) {
+        return std::nullopt;
+    }
+    OfferResult result{offer.ask(), std::nullopt};
+    if (result.answer && *result.answer == sync::MigrationAnswer::move) {
+        result.moved = migrate(services, options);
+        if (isWhole(*result.moved)) {
+            offer.tellOfMove();
+        }
+    }
+    return result;
 }
 
 }  // namespace tessaly::app

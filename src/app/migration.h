@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
+
 #include "app/services.h"
 #include "store/data_store.h"
+#include "sync/migration_offer.h"
 
 namespace tessaly::app {
-
-/// The key in the user defaults under which it stands, as false, that the user does not want to be
-/// offered the move again.
-inline constexpr char shouldMigrateFiles[] = "shouldMigrateFiles";
 
 /// Whether notes can be moved from the local data folder into the cloud drive, and why not.
 enum class Migration {
@@ -21,23 +20,23 @@ enum class Migration {
 };
 Migration migrationState(Services& services);
 
-/// What the user answers to the offer.
-enum class MigrationAnswer {
-    move,
-    seePreferences,
-    never,  ///< and that has been stored
-    notGiven,
-};
-
-/// Offers to move the notes. Failure: the user wants no further offers, and that could not be
-/// stored.
-base::Result<MigrationAnswer> askForMigration(Services& services);
-
 /// Moves everything in the local data folder into the cloud drive; see
 /// `DataStore::moveAllToCloudDrive`.
 store::MoveReport migrate(Services& services, const store::MoveOptions& options = {});
 
-/// Tells the user that all has been moved.
-void tellOfMigration(Services& services);
+/// Whether nothing stayed behind.
+bool isWhole(const store::MoveReport& report);
+
+/// What became of the offer to move the notes.
+struct OfferResult {
+    base::Result<sync::MigrationAnswer> answer;  ///< failure: as of `MigrationOffer::ask`
+    std::optional<store::MoveReport> moved;      ///< when that was the answer
+};
+
+/// Puts the offer once in a run, when there is something to move and the user wants such offers;
+/// moves the notes when that is the answer, and tells the user when all have been moved. Nothing:
+/// the offer was not put. Main queue.
+std::optional<OfferResult> offerMigration(Services& services,
+                                          const store::MoveOptions& options = {});
 
 }  // namespace tessaly::app

@@ -113,11 +113,11 @@ struct TitledNote {
 /// Nothing: the reading was cancelled.
 std::optional<std::vector<TitledNote>> generalNotes(Services& services,
                                                     store::NoteReader::Options options) {
-    store::NoteReader reader(services.dataStore(), services.ports().executor);
-    std::vector<std::vector<TitledNote>> byWorker(reader.workers());
+    const store::NoteCache& cache = services.noteCache();
+    std::vector<std::vector<TitledNote>> byWorker(cache.workers());
     options.types = {base::NoteType::note};
     const auto report =
-        reader.readAll(options, [&byWorker](std::size_t worker, const store::NoteFile& file) {
+        cache.visit(options, [&byWorker](std::size_t worker, const store::NoteFile& file) {
             const auto text = store::decodedText(file.bytes).value_or("");
             byWorker[worker].push_back({std::string{file.filename},
                                         grammar::noteTitle(text, store::baseName(file.filename))});

@@ -29,11 +29,11 @@ struct NoteAddress {
 
 /// The note called `text`: a day, else a file name relative to its folder ("Work/Plans.txt", also
 /// "Notes/Work/Plans.txt" or without the extension), else a title, compared exactly after
-/// composition, then ignoring case. A title is looked for by a reading of all
-/// general notes with `options`, whose types are ignored. A conflict copy is found by its exact
-/// file name only. Failure, in words for the user:
-/// `notFound` with the nearest titles named; `malformed` when several notes have the title, with
-/// their file names; `cancelled`, without words.
+/// composition, then ignoring case. A title is looked for among all
+/// general notes, which are visited with `options`, whose types are ignored. A conflict copy is
+/// found by its exact file name only. Failure, in words for the user: `notFound` with the nearest
+/// titles named; `malformed` when several notes have the title, with their file names; `cancelled`,
+/// without words.
 base::Result<NoteAddress> findNote(Services& services, std::string_view text,
                                    store::NoteReader::Options options = {});
 

@@ -153,11 +153,11 @@ NoteRows listNotes(Services& services, NoteScope scope, std::string_view folder,
     const store::CountSettings settings = services.countSettings();
     const grammar::DateStringHelper& names = services.dateStrings();
     const base::Day today = services.today();
-    store::NoteReader reader(services.dataStore(), services.ports().executor);
-    std::vector<std::vector<SortedRow>> byWorker(reader.workers());
-    std::vector<grammar::NoteScanner> scanners(reader.workers());
+    const store::NoteCache& cache = services.noteCache();
+    std::vector<std::vector<SortedRow>> byWorker(cache.workers());
+    std::vector<grammar::NoteScanner> scanners(cache.workers());
     NoteRows result;
-    result.report = reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+    result.report = cache.visit(options, [&](std::size_t worker, const store::NoteFile& file) {
         if (!isBelow(file.filename, prefix)) {
             return;
         }
@@ -180,11 +180,11 @@ NoteRows listNotes(Services& services, NoteScope scope, std::string_view folder,
 TaskRows listTasks(Services& services, NoteScope scope, const std::vector<grammar::TodoType>& types,
                    store::NoteReader::Options options) {
     options.types = typesOf(scope);
-    store::NoteReader reader(services.dataStore(), services.ports().executor);
-    std::vector<TaskCollector> byWorker(reader.workers(),
+    const store::NoteCache& cache = services.noteCache();
+    std::vector<TaskCollector> byWorker(cache.workers(),
                                         TaskCollector(types, services.markerSettings()));
     TaskRows result;
-    result.report = reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+    result.report = cache.visit(options, [&](std::size_t worker, const store::NoteFile& file) {
         byWorker[worker].add(file);
     });
     for (TaskCollector& collector : byWorker) {
@@ -201,10 +201,10 @@ TaskRows listTasks(Services& services, NoteScope scope, const std::vector<gramma
 TagRows listTags(Services& services, TagKind kind, store::NoteReader::Options options) {
     options.types = typesOf(NoteScope::all);
     const store::CountSettings settings = services.countSettings();
-    store::NoteReader reader(services.dataStore(), services.ports().executor);
-    std::vector<TagCounts> byWorker(reader.workers());
+    const store::NoteCache& cache = services.noteCache();
+    std::vector<TagCounts> byWorker(cache.workers());
     TagRows result;
-    result.report = reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+    result.report = cache.visit(options, [&](std::size_t worker, const store::NoteFile& file) {
         TagCounts& counts = byWorker[worker];
         const store::NoteModel model({}, file.type, textOf(file), settings, counts.scanner);
         for (const std::string& tag : kind == TagKind::hashtags ? model.hashTags : model.atTags) {

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "app/task_changes.h"
+
 namespace tessaly::app {
 
 Services::Services(Ports ports) : _ports(std::move(ports)) {}
@@ -52,6 +54,44 @@ const grammar::DateStringHelper& Services::dateStrings() {
             std::make_unique<grammar::DateStringHelper>(base::LocaleFormats(_ports.locale.formats));
     }
     return *_dateStrings;
+}
+
+store::NoteCache& Services::noteCache() {
+    if (!_noteCache) {
+        // What its threads ask for must be there before.
+        dateStrings();
+        globals();
+        _noteCache = std::make_unique<store::NoteCache>(store::NoteCache::Tools{
+            dataStore(), _ports.executor, _ports.clock, [this] { return countSettings(); },
+            [this](const store::FinishedRepeat& found) { return finishRepeat(*this, found); }});
+    }
+    return *_noteCache;
+}
+
+sync::CloudSync& Services::cloudSync() {
+    if (!_cloudSync) {
+        const store::NoteCache& cache = noteCache();
+        _cloudSync = std::make_unique<sync::CloudSync>(
+            sync::CloudSync::Tools{dataStore(), _ports.cloudQuery, _ports.mainQueue,
+                                   _ports.downloads, _ports.clock, _ports.executor,
+                                   [&cache](base::NoteType type, std::string_view filename) {
+                                       return cache.knownText(type, filename);
+                                   },
+                                   _ports.isTestMode});
+    }
+    return *_cloudSync;
+}
+
+void Services::endCloudSync() {
+    _cloudSync.reset();
+}
+
+sync::MigrationOffer& Services::migrationOffer() {
+    if (!_migrationOffer) {
+        _migrationOffer = std::make_unique<sync::MigrationOffer>(
+            sync::MigrationOffer::Tools{_ports.questions, _ports.standardDefaults});
+    }
+    return *_migrationOffer;
 }
 
 bool Services::isCloudDriveMissing() {

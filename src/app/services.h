@@ -10,9 +10,12 @@
 #include "grammar/date_string_helper.h"
 #include "ports/clock.h"
 #include "ports/cloud_container.h"
+#include "ports/cloud_downloads.h"
 #include "ports/file_changes.h"
 #include "ports/file_system.h"
 #include "ports/folder_locks.h"
+#include "ports/main_queue.h"
+#include "ports/metadata_query.h"
 #include "ports/questions.h"
 #include "ports/standard_folders.h"
 #include "ports/trash.h"
@@ -21,8 +24,11 @@
 #include "settings/globals.h"
 #include "store/data_store.h"
 #include "store/history.h"
+#include "store/note_cache.h"
 #include "store/note_model.h"
 #include "store/safe_files.h"
+#include "sync/cloud_sync.h"
+#include "sync/migration_offer.h"
 #include "tasks/operation_journal.h"
 #include "tasks/operation_runner.h"
 #include "tasks/task_rewrites.h"
@@ -40,6 +46,9 @@ struct Ports {
     ports::UserDefaults& groupDefaults;
     ports::Clock& clock;
     base::Executor& executor;
+    ports::MetadataQuery& cloudQuery;
+    ports::MainQueue& mainQueue;
+    ports::CloudDownloads& downloads;
     ports::StandardFolders folders;
     ports::UserLocale locale;
     ports::DropboxAuthorised dropboxAuthorised;
@@ -47,10 +56,12 @@ struct Ports {
     ports::Trash trash;
     ports::Questions questions;
     std::optional<std::string> dataFolder;  ///< named by the user on the command line
+    bool isTestMode = false;  ///< the environment holds "TEST_MODE": the folder is not watched
 };
 
-/// The shared instances of one program, each made on first use. Not for two threads at once; what
-/// it hands out says for itself which threads may use it.
+/// The shared instances of one program, each made on first use, on the main thread. Instances that
+/// are made already may be asked for on any thread; what it hands out says for itself which threads
+/// may use it.
 class Services {
 public:
     explicit Services(Ports ports);
@@ -64,6 +75,13 @@ public:
     /// The operations on the tasks of the data folder in use now.
     std::unique_ptr<tasks::OperationJournal> operationJournal();
     tasks::OperationRunner operationRunner(tasks::OperationJournal& journal);
+    /// All notes; they are only held once the cache is told to load.
+    store::NoteCache& noteCache();
+    /// The watcher of the data folder, which does nothing until it is started.
+    sync::CloudSync& cloudSync();
+    /// Ends the watcher, once its batch in hand is done. The next one is made anew.
+    void endCloudSync();
+    sync::MigrationOffer& migrationOffer();
     const grammar::DateStringHelper& dateStrings();
 
     /// Whether the settings name a cloud drive that cannot be used now, so that the notes shown are
@@ -79,11 +97,15 @@ public:
 
 private:
     Ports _ports;
+    // Each uses those above it, from other threads too.
+    std::unique_ptr<grammar::DateStringHelper> _dateStrings;
     std::unique_ptr<settings::Globals> _globals;
     std::unique_ptr<store::History> _history;
     std::unique_ptr<store::SafeFiles> _safeFiles;
     std::unique_ptr<store::DataStore> _dataStore;
-    std::unique_ptr<grammar::DateStringHelper> _dateStrings;
+    std::unique_ptr<store::NoteCache> _noteCache;
+    std::unique_ptr<sync::CloudSync> _cloudSync;
+    std::unique_ptr<sync::MigrationOffer> _migrationOffer;
 };
 
 }  // namespace tessaly::app

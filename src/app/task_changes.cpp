@@ -255,4 +255,13 @@ Outcome archiveTasks(Services& services, const std::vector<std::string>& notes,
     return withRefusals(operations->archive(names), refusals);
 }
 
+bool finishRepeat(Services& services, const store::FinishedRepeat& found) {
+    Operations operations{services};
+    const auto outcome = operations->finishRepeat({{found.type, found.filename},
+                                                   found.lineIndex,
+                                                   found.line,
+                                                   TaskReference::Where::anywhere});
+    return outcome && outcome->operation;
+}
+
 }  // namespace tessaly::app

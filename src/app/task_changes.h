@@ -7,6 +7,7 @@
 
 #include "app/services.h"
 #include "base/failure.h"
+#include "store/note_cache.h"
 #include "store/note_reader.h"
 #include "tasks/task_operations.h"
 
@@ -52,5 +53,9 @@ base::Result<tasks::TaskOutcome> deleteTasks(
 base::Result<tasks::TaskOutcome> archiveTasks(Services& services,
                                               const std::vector<std::string>& notes,
                                               const store::NoteReader::Options& options = {});
+
+/// Looks after a completed repeat that another device has brought. True: its note was changed. Any
+/// thread, once the instances that `services` hands out for it are made.
+bool finishRepeat(Services& services, const store::FinishedRepeat& found);
 
 }  // namespace tessaly::app

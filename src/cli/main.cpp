@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <thread>
 #include <unistd.h>
+
+#include <sys/eventfd.h>
 
 #include "app/services.h"
 #include "base/localisation.h"
@@ -24,7 +29,10 @@
 #include "platform/flock_folder_locks.h"
 #include "platform/folder_cloud_container.h"
 #include "platform/gio_trash.h"
+#include "platform/glib_main_queue.h"
+#include "platform/inotify_query.h"
 #include "platform/json_user_defaults.h"
+#include "platform/nextcloud_downloads.h"
 #include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "platform/system_clock.h"
@@ -37,14 +45,21 @@ using namespace tessaly;
 
 std::atomic<bool> interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "set in a signal handler");
+/// Readable once `interrupted` is set, for who waits.
+int interruption = platform::GlibMainQueue::noDescriptor;
 
 extern "C" void onInterrupt(int) {
     interrupted = true;
+    const int error = errno;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(interruption, &one, sizeof one);
+    errno = error;
 }
 
 /// The first Ctrl-C ends the work in hand, a second one the program. A reader of our output that
 /// goes away shows as a failing write.
 void handleSignals() {
+    interruption = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     struct sigaction action {};
     action.sa_handler = onInterrupt;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
@@ -79,6 +94,12 @@ std::optional<std::string> dataFolder(const cli::Invocation& invocation) {
     return cli::absolutePath(root);
 }
 
+/// Empty: there is none.
+std::string runtimeFolder() {
+    const char* folder = std::getenv("XDG_RUNTIME_DIR");
+    return folder == nullptr ? std::string{} : folder;
+}
+
 /// The clock that the user asked for.
 base::Result<std::unique_ptr<ports::Clock>> makeClock(const cli::Invocation& invocation) {
     if (!invocation.now) {
@@ -91,8 +112,22 @@ base::Result<std::unique_ptr<ports::Clock>> makeClock(const cli::Invocation& inv
     return std::unique_ptr<ports::Clock>{std::make_unique<platform::FixedClock>(*time)};
 }
 
-std::size_t poolThreads() {
-    return std::max(std::thread::hardware_concurrency(), 2U) - 1;  // the caller works too
+bool stays(const cli::Invocation& invocation) {
+    return invocation.verb != nullptr && invocation.verb->stays == cli::Stays::yes;
+}
+
+/// Who asks for one answer works on it with the others; in a program that stays, the main thread
+/// waits for what happens.
+std::size_t poolThreads(const cli::Invocation& invocation) {
+    const std::size_t processors = std::max(std::thread::hardware_concurrency(), 2U);
+    return stays(invocation) ? processors : processors - 1;
+}
+
+/// Lists of all notes, as the first batch is one, come and go as a whole. As part of the heap they
+/// would leave holes behind that a program that stays has for good.
+void keepListsOffTheHeap() {
+    constexpr int listBytes = 4 << 20;
+    mallopt(M_MMAP_THRESHOLD, listBytes);
 }
 
 cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& locale,
@@ -107,13 +142,21 @@ cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& lo
     platform::FlockFolderLocks locks{folders.state + "/locks"};
     platform::JsonUserDefaults standardDefaults{folders.config + "/settings.json"};
     platform::JsonUserDefaults groupDefaults{folders.config + "/group.json"};
-    base::ThreadPool pool{poolThreads()};
+    if (stays(invocation)) {
+        keepListsOffTheHeap();
+    }
+    base::ThreadPool pool{poolThreads(invocation)};
+    platform::InotifyQuery cloudQuery;
+    platform::GlibMainQueue mainQueue{interruption};
+    platform::NextcloudDownloads downloads{
+        platform::NextcloudDownloads::socketsIn(runtimeFolder())};
     app::Services* shared = nullptr;  // what the cloud drive asks for its folder
     app::Services services{{files, changes, locks, standardDefaults, groupDefaults, **clock, pool,
-                            folders, locale, [] { return false; },
+                            cloudQuery, mainQueue, downloads, folders, locale, [] { return false; },
                             platform::folderCloudContainer(
                                 [&shared] { return shared->globals().cloudDriveContainer(); }),
-                            platform::gioTrash(), cli::askAtTerminal, dataFolder(invocation)}};
+                            platform::gioTrash(), cli::askAtTerminal, dataFolder(invocation),
+                            std::getenv("TEST_MODE") != nullptr}};
     shared = &services;
     services.globals();  // made here, since any thread may ask for the cloud drive's folder
     return cli::run(services, invocation, out, interrupted);

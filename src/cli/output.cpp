@@ -2,6 +2,7 @@
 #include "cli/output.h"
 
 #include <cerrno>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -29,6 +30,11 @@ void Output::line(std::string_view text) {
 bool Output::flush() {
     drain();
     return _error.empty();
+}
+
+bool Output::hasReader() const {
+    pollfd state{_descriptor, 0, 0};
+    return ::poll(&state, 1, 0) <= 0 || (state.revents & POLLERR) == 0;
 }
 
 void Output::drain() {

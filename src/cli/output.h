@@ -19,6 +19,9 @@ public:
 
     /// Nobody reads any longer: what is written has nowhere to go, and that is no failure.
     bool isReaderGone() const { return _isReaderGone; }
+    /// Whether anybody could read what is written next, as far as that can be known without
+    /// writing.
+    bool hasReader() const;
     /// Why writing failed; empty when it did not.
     const std::string& error() const { return _error; }
 

@@ -98,6 +98,16 @@ void pointToHelp(const VerbRow* verb) {
     complain(fmt::format(fmt::runtime(tr("{} --help tells what there is.")), command));
 }
 
+/// Whether the verb runs until it is ended, so that what there is to tell cannot wait for that.
+bool stays(const VerbRow* verb) {
+    return verb != nullptr && verb->run == runWatch;
+}
+
+void tellOfCircumstances(const Context& context) {
+    tellOfDamagedSettings(context);
+    tellOfMissingCloudDrive(context);
+}
+
 Exit runVerb(Context& context) {
     const VerbRow* verb = context.invocation.verb;
     if (verb == nullptr) {
@@ -152,12 +162,15 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     const Terminal terminal = describeStandardOutput(invocation.color);
     Progress progress{base::LocaleFormats{services.ports().locale.formats}};
     Context context{services, invocation, out, terminal, progress, cancelled};
+    const bool isToldFirst = stays(invocation.verb);
+    if (isToldFirst) {
+        tellOfCircumstances(context);
+    }
     const Exit exit = runVerb(context);
     // Behind the result, so that in a terminal it is not scrolled away.
-    if (out.flush()) {
+    if (out.flush() && !isToldFirst) {
         tellOfSkipped(context);
-        tellOfDamagedSettings(context);
-        tellOfMissingCloudDrive(context);
+        tellOfCircumstances(context);
     }
     usage.record(app::UsageEvent::exit);
     return exit;

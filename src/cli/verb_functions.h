@@ -17,6 +17,7 @@ Exit runWhere(Context& context);
 Exit runTasks(Context& context);
 Exit runTags(Context& context);
 Exit runMentions(Context& context);
+Exit runWatch(Context& context);
 Exit runDone(Context& context);
 Exit runCancel(Context& context);
 Exit runReopen(Context& context);

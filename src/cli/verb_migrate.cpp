@@ -9,6 +9,7 @@
 #include "cli/change_report.h"
 #include "cli/context.h"
 #include "cli/json_line.h"
+#include "cli/migration_lines.h"
 #include "cli/safe_text.h"
 #include "cli/verb_functions.h"
 
@@ -71,30 +72,13 @@ std::string movedLine(app::Services& services, bool json, std::size_t moved) {
         moved, safeText(root));
 }
 
-/// With the path of what stays, unless the failure begins with it.
-std::string reasonOf(const store::MoveReport::Failed& one) {
-    const std::string& reason = one.failure.description;
-    const bool isTold = one.path.empty() || reason.starts_with(one.path + ": ");
-    return safeText(isTold ? reason : one.path + ": " + reason);
-}
-
-void complainOf(const store::MoveReport& report) {
-    for (const store::MoveReport::Failed& one : report.failed) {
-        complain(fmt::format(fmt::runtime(tr("not moved: {}")), reasonOf(one)));
-    }
-    if (report.cancelled) {
-        complain(tr("interrupted; tessaly migrate goes on where it stopped"));
-    }
-}
-
 ChangeReport reportOf(app::Services& services, bool json, const store::MoveReport& report) {
     ChangeReport lines;
     for (const store::MoveReport::Renamed& one : report.renamed) {
         lines.lines.push_back(renamedLine(json, one));
     }
     lines.lines.push_back(movedLine(services, json, report.moved));
-    const bool isWhole = report.failed.empty() && !report.cancelled;
-    lines.exit = isWhole ? Exit::done : Exit::couldNot;
+    lines.exit = app::isWhole(report) ? Exit::done : Exit::couldNot;
     return lines;
 }
 
@@ -113,7 +97,7 @@ Exit move(Context& context) {
 Exit moveAndTell(Context& context) {
     const Exit exit = move(context);
     if (exit == Exit::done && context.out.flush()) {
-        app::tellOfMigration(context.services);
+        context.services.migrationOffer().tellOfMove();
     }
     return exit;
 }
@@ -125,23 +109,22 @@ Exit showPreferences(Context& context) {
             JsonObject{}.add("key", "cloudDriveContainer").add("value", container).text());
         return Exit::done;
     }
-    context.out.line(fmt::format("cloudDriveContainer = {}", safeText(container)));
-    context.out.line(tr("To name another folder: tessaly settings set cloudDriveContainer FOLDER"));
-    context.out.line(
-        tr("To keep the notes on this machine: tessaly settings reset cloudDriveContainer"));
+    for (const std::string& line : syncPreferences(container)) {
+        context.out.line(line);
+    }
     return Exit::done;
 }
 
 Exit ask(Context& context) {
-    const auto answer = app::askForMigration(context.services);
+    const auto answer = context.services.migrationOffer().ask();
     if (!answer) {
         return couldNot(context, answer.failure());
     }
     switch (*answer) {
-        case app::MigrationAnswer::move: return moveAndTell(context);
-        case app::MigrationAnswer::seePreferences: return showPreferences(context);
-        case app::MigrationAnswer::never: return Exit::done;
-        case app::MigrationAnswer::notGiven: break;
+        case sync::MigrationAnswer::move: return moveAndTell(context);
+        case sync::MigrationAnswer::seePreferences: return showPreferences(context);
+        case sync::MigrationAnswer::never: return Exit::done;
+        case sync::MigrationAnswer::notGiven: break;
     }
     complain(tr("there is no answer, so nothing was moved; with --yes there is no question"));
     return Exit::couldNot;

@@ -39,6 +39,8 @@ struct ArgumentCompletion {
 
 /// What a verb works on, beside what it is given.
 enum class Needs { dataFolder, nothing };
+/// Whether a verb is done when its work is, or waits for more of it until it is ended.
+enum class Stays { no, yes };
 
 /// A verb of the command: parsing, help, manual and shell completions all read this row.
 struct VerbRow {
@@ -54,6 +56,7 @@ struct VerbRow {
     Exit (*run)(Context& context);
     /// Before a verb that needs the data folder, writes that were left half done there are settled.
     Needs needs = Needs::dataFolder;
+    Stays stays = Stays::no;
 };
 
 /// In the order in which help lists them.

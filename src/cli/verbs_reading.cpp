@@ -38,6 +38,10 @@ constexpr std::array tasksOptions{
     OptionRow{"--notes", nullptr, N_("only tasks of general notes"), Completion::nothing, {}, 1},
 };
 
+constexpr std::array watchOptions{
+    OptionRow{"--verbose", nullptr, N_("tell on standard error what is noticed in between")},
+};
+
 constexpr std::array todayExamples{
     ExampleRow{"tessaly today", N_("what is on today")},
     ExampleRow{"tessaly today --json | jq '.tasks[].todo.content'", N_("for a script")},
@@ -75,6 +79,10 @@ constexpr std::array tagsExamples{
 };
 constexpr std::array mentionsExamples{
     ExampleRow{"tessaly mentions", N_("all mentions")},
+};
+constexpr std::array watchExamples{
+    ExampleRow{"tessaly watch", N_("what a sync client brings")},
+    ExampleRow{"tessaly watch --json | jq --unbuffered -r .path", N_("for a script")},
 };
 
 constexpr std::array rows{
@@ -190,6 +198,25 @@ constexpr std::array rows{
             {},
             mentionsExamples,
             runMentions},
+    VerbRow{
+        "watch",
+        "",
+        0,
+        0,
+        {},
+        N_("Changes of notes by other programs, as they happen"),
+        N_("Holds all notes in memory, watches the data folder and prints what other programs "
+           "and devices change there, until Ctrl-C or until nobody reads the output. Changes that "
+           "come together are printed together, a second after the last of them.\n\n"
+           "A line tells what happened (added, changed, deleted; conflict where another version "
+           "of the note lies beside it) and to which file. Once everything is read, a line on "
+           "standard error says so; what changes from then on is printed. Folders that report no "
+           "changes are looked at every few seconds, and that is told, too."),
+        watchOptions,
+        watchExamples,
+        runWatch,
+        Needs::dataFolder,
+        Stays::yes},
 };
 
 }  // namespace

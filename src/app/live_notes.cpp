@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "app/live_notes.h"
+
+#include <utility>
+
+namespace tessaly::app {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// An empty folder gives no batch to wait for.
+constexpr auto readyInterval = 20ms;
+
+}  // namespace
+
+LiveNotes::LiveNotes(Services& services, Handlers handlers)
+    : _services(services), _handlers(std::move(handlers)), _mainQueue(services.ports().mainQueue) {}
+
+LiveNotes::~LiveNotes() {
+    _mainQueue.cancel(_readyTimer);
+    _mainQueue.cancel(_settingsTimer);
+    _services.endCloudSync();
+    _services.noteCache().waitUntilIdle();
+}
+
+void LiveNotes::start(store::NoteCache::LoadOptions options) {
+    store::NoteCache& cache = _services.noteCache();
+    sync::CloudSync& sync = _services.cloudSync();
+    sync.addListener([&cache](const store::CloudBatch& batch) { cache.onCloudUpdate(batch); });
+    sync.addListener([this](const store::CloudBatch& batch) { receive(batch); });
+    sync.setOnWatchingChanged([this] {
+        if (_handlers.onWatchingChanged) {
+            _handlers.onWatchingChanged();
+        }
+    });
+    cache.load(std::move(options));
+    sync.start();
+    _readyTimer = _mainQueue.every(readyInterval, [this] { tellIfReady(); });
+    _settingsTimer = _mainQueue.every(settingsInterval, [this] { lookAtSettings(); });
+}
+
+void LiveNotes::receive(const store::CloudBatch& batch) {
+    if (batch.kind != store::CloudBatch::Kind::later || !_handlers.onBatch) {
+        return;
+    }
+    _mainQueue.post([this, alive = std::weak_ptr(_alive), batch] {
+        if (!alive.expired()) {
+            // The cache was told first; whoever hears of the batch may ask for what is in it.
+            _services.noteCache().waitUntilIdle();
+            _handlers.onBatch(batch);
+        }
+    });
+}
+
+void LiveNotes::tellIfReady() {
+    if (!_services.noteCache().initialUpdateDone() || !isWatched()) {
+        return;
+    }
+    _mainQueue.cancel(std::exchange(_readyTimer, 0));
+    // The first batches name what the load may have read before it was changed.
+    _services.noteCache().waitUntilIdle();
+    _isReady = true;
+    if (_handlers.onReady) {
+        _handlers.onReady();
+    }
+    offer();
+}
+
+/// Or never will be, for now.
+bool LiveNotes::isWatched() {
+    sync::CloudSync& sync = _services.cloudSync();
+    return _services.ports().isTestMode || !sync.isFirstLoad() ||
+           sync.watching().state.cause == ports::WatchState::Cause::noRoot;
+}
+
+void LiveNotes::lookAtSettings() {
+    _services.noteCache().settingsMayHaveChanged();
+    offer();  // the cloud drive may have come
+}
+
+void LiveNotes::offer() {
+    if (!_isReady) {
+        return;
+    }
+    const auto result = offerMigration(_services);
+    if (result && _handlers.onMigration) {
+        _handlers.onMigration(*result);
+    }
+}
+
+}  // namespace tessaly::app
