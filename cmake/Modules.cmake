@@ -5,6 +5,8 @@ add_library(tessaly_flags INTERFACE)
 target_compile_options(tessaly_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     $<$<BOOL:${TESSALY_WERROR}>:-Werror>)
+# Some libraries ask for it; what is precompiled for all must be for all alike.
+target_compile_options(tessaly_flags INTERFACE -pthread)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(tessaly_flags INTERFACE -Wthread-safety)
 endif()
