@@ -157,6 +157,7 @@ private:
     void recountIfNeeded();
 
     std::string resolvedRoot() const;
+    bool isRootInUse(const std::string& root) const;
     std::shared_ptr<const CalendarNotes> recounted(const CalendarNotes& notes) const;
     std::shared_ptr<const GeneralNotes> recounted(const GeneralNotes& notes) const;
     void dispatchRepeats(NoteUpdate& update);
@@ -199,6 +200,7 @@ private:
     std::string _root;        ///< resolved
     NoteTaskCounts _noteTasks;
     bool _areNoteTasksCounted = false;
+    ChangedTasks _uncounted;  ///< since `_noteTasks` was brought up to date
 
     base::Gate _semaphore;  ///< the last member: its end waits for the work in hand
 };

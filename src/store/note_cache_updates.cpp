@@ -84,12 +84,18 @@ void NoteCache::onCloudUpdate(const CloudBatch& batch) {
     _semaphore.enter([this, root = batch.root, kind = batch.kind, description = describe(batch),
                       names = isAhead ? std::vector<NamedNote>() : namesOf(batch)]() mutable {
         base::logRoutine("onCloudUpdate - ", description);
-        if (root == _root || root == _tools.store.root()) {
+        if (root == _root) {
             update(std::move(names), kind);
-        } else if (_initialUpdateDone && root == resolvedRoot()) {
+        } else if (_initialUpdateDone && isRootInUse(root)) {
             loadAll({});
         }
     });
+}
+
+// One that is not there is no reason to forget what is held.
+bool NoteCache::isRootInUse(const std::string& root) const {
+    const auto inUse = _tools.store.files().resolve(_tools.store.root());
+    return inUse && *inUse == root;
 }
 
 void NoteCache::reread(NoteType type, std::string filename) {
@@ -116,10 +122,11 @@ void NoteCache::update(std::vector<NamedNote> names, CloudBatch::Kind kind) {
         update.mergeStrays();
         dispatchRepeats(update);
     }
-    if (_areNoteTasksCounted) {
-        update.countNoteTasks(_noteTasks);
-    }
     publish(update);
+    _uncounted.add(update.changedTasks());
+    if (!_uncounted.empty()) {
+        _semaphore.enter([this] { countNoteTasks(); });
+    }
 }
 
 void NoteCache::dispatchRepeats(NoteUpdate& update) {
@@ -165,15 +172,22 @@ void NoteCache::publish(const NoteUpdate& update) {
     tell(changes);
 }
 
+// A piece of work of its own, so that nobody waits for it who only wants to see the notes.
 void NoteCache::countNoteTasks() {
-    if (!_initialUpdateDone || _areNoteTasksCounted) {
+    if (!_initialUpdateDone) {
         return;
     }
-    _noteTasks.build(*_generalNotes.get(), _tools.executor);
-    _areNoteTasksCounted = true;
+    std::vector<base::Day> days;
+    const ChangedTasks changes = std::exchange(_uncounted, {});
+    if (std::exchange(_areNoteTasksCounted, true)) {
+        days = _noteTasks.replace(changes);
+    } else {
+        _noteTasks.build(*_generalNotes.get(), _tools.executor);
+        days = daysToCount(_noteTasks, *_calendarNotes.get());
+    }
     NoteUpdate update({_tools.store, _tools.executor, _settings, _root},
                       {_generalNotes.get(), _calendarNotes.get(), _strays.get()});
-    update.countNoteTasksOf(_noteTasks, daysToCount(_noteTasks, *_calendarNotes.get()));
+    update.countNoteTasksOf(_noteTasks, days);
     publish(update);
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -43,6 +44,11 @@ std::vector<NoteTaskCounts::ScheduledLine> NoteTaskCounts::scheduledLines(const 
     return lines;
 }
 
+void ChangedTasks::add(ChangedTasks&& more) {
+    std::move(more.notes.begin(), more.notes.end(), std::back_inserter(notes));
+    std::move(more.days.begin(), more.days.end(), std::back_inserter(days));
+}
+
 void NoteTaskCounts::build(const GeneralNotes& notes, base::Executor& executor) {
     struct Found {
         const GeneralNotes::Pointer* note;
@@ -62,6 +68,21 @@ void NoteTaskCounts::build(const GeneralNotes& notes, base::Executor& executor) 
             add(*each.note, each.lines);
         }
     }
+}
+
+std::vector<base::Day> NoteTaskCounts::replace(const ChangedTasks& changes) {
+    std::set<base::Day> days;
+    for (const base::Day day : changes.days) {
+        if (hasTasks(day)) {
+            days.insert(day);
+        }
+    }
+    for (const ChangedTasks::Note& note : changes.notes) {
+        for (const base::Day day : replace(note.before, note.after)) {
+            days.insert(day);
+        }
+    }
+    return {days.begin(), days.end()};
 }
 
 std::vector<base::Day> NoteTaskCounts::replace(const GeneralNotes::Pointer& before,

@@ -13,6 +13,20 @@
 
 namespace tessaly::store {
 
+/// Notes whose tasks may be planned for other days than before, and days whose own notes have
+/// changed.
+struct ChangedTasks {
+    struct Note {
+        GeneralNotes::Pointer before;  ///< null: it has come
+        GeneralNotes::Pointer after;   ///< null: it has gone
+    };
+    std::vector<Note> notes;  ///< in the order in which they changed
+    std::vector<base::Day> days;
+
+    bool empty() const { return notes.empty() && days.empty(); }
+    void add(ChangedTasks&& more);
+};
+
 /// How many tasks of general notes are scheduled to each day, so that a change costs as much as the
 /// changed note's tasks. Lines that were scheduled away are kept one by one: whether one counts is
 /// for the day's own note to say. Not for two threads at once, but for `countsOf`.
@@ -27,6 +41,9 @@ public:
 
     /// Forgets what was held.
     void build(const GeneralNotes& notes, base::Executor& executor);
+
+    /// Takes changes over. Returns the days that are to be counted anew, in order.
+    std::vector<base::Day> replace(const ChangedTasks& changes);
 
     /// A note came (`before` is null), changed or went (`after` is null). Returns the days whose
     /// tasks are not the same any more.

@@ -252,17 +252,20 @@ std::vector<FinishedRepeat> NoteUpdate::finishedRepeats() const {
     return found;
 }
 
-void NoteUpdate::countNoteTasks(NoteTaskCounts& counts) {
-    std::set<base::Day> days;
+ChangedTasks NoteUpdate::changedTasks() const {
+    const auto mayHaveTasks = [](const GeneralNotes::Pointer& note) {
+        return note && !note->note.datedLines.empty();
+    };
+    ChangedTasks changes;
     for (const auto& [filename, change] : _generalNotes) {
-        for (const base::Day day : counts.replace(change.before, change.after)) {
-            days.insert(day);
+        if (mayHaveTasks(change.before) || mayHaveTasks(change.after)) {
+            changes.notes.push_back({change.before, change.after});
         }
     }
     for (const auto& [day, change] : _days) {
-        days.insert(day);
+        changes.days.push_back(day);
     }
-    countNoteTasksOf(counts, {days.begin(), days.end()});
+    return changes;
 }
 
 void NoteUpdate::countNoteTasksOf(const NoteTaskCounts& counts,

@@ -46,9 +46,9 @@ public:
     /// Completed repeats in the notes whose content has changed, by note.
     std::vector<FinishedRepeat> finishedRepeats() const;
 
-    /// Counts the tasks of general notes anew for the days that the update has to do with.
-    void countNoteTasks(NoteTaskCounts& counts);
-    /// The same for days that are named, none twice.
+    /// What the counts of general notes' tasks depend on, and has changed.
+    ChangedTasks changedTasks() const;
+    /// Takes over the counts of days, none of which is named twice.
     void countNoteTasksOf(const NoteTaskCounts& counts, const std::vector<base::Day>& days);
 
     /// A note that came, went or changed in content or date.

@@ -91,7 +91,9 @@ struct CacheFixture : StoreFixture {
     Told told{lines};
     std::unique_ptr<store::NoteCache> cache;
 
-    explicit CacheFixture(std::initializer_list<std::pair<const char*, std::string>> notes) {
+    explicit CacheFixture(std::initializer_list<std::pair<const char*, std::string>> notes,
+                          Root which = Root::named)
+        : StoreFixture(which) {
         base::setRoutineLog(false);
         for (const auto& [path, text] : notes) {
             folder.write(std::string("data/") + path, text);

@@ -125,7 +125,7 @@ TEST_CASE("an update takes over what is on the disk") {
         {"a note goes",
          [](const auto& f) { remove(f / "data/Notes/a.txt"); },
          {"Notes/a.txt"},
-         {"told tags", "told general calendar @ # Notes/a.txt"}},
+         {"told tags", "told general @ # Notes/a.txt", "told calendar"}},
         {"a folder goes with its notes",
          [](const auto& f) { remove(f / "data/Notes/sub"); },
          {"Notes/sub", "Notes/sub/b.txt", "Notes/sub/c.txt"},
@@ -133,7 +133,7 @@ TEST_CASE("an update takes over what is on the disk") {
         {"a task is scheduled to another day",
          [](const auto& f) { f.write("data/Notes/a.txt", "A #x @y\n* [x] t >2019-03-07"); },
          {"Notes/a.txt"},
-         {"told general calendar Notes/a.txt"}},
+         {"told general Notes/a.txt", "told calendar"}},
         {"a day comes, another changes, a third goes",
          [](const auto& f) {
              f.write("data/Calendar/20190306.txt", "* [x] t");
@@ -378,6 +378,26 @@ TEST_CASE("after any edits the cache is what a fresh load finds") {
             REQUIRE(tests::describe(*fixture.cache) == fixture.freshLoad());
         }
     }
+}
+
+TEST_CASE("the notes are those of the data folder in use") {
+    CacheFixture chosen({}, CacheFixture::Root::chosen);
+    chosen.folder.write("share/org.example/Notes/both.txt", "local");
+    chosen.folder.write("cloud/Documents/Notes/both.txt", "cloud");
+    chosen.load();
+    CHECK(tests::describe(*chosen.cache) == "both.txt=local|local|0\n");
+    chosen.cloudContainer = [&] { return std::optional(chosen.folder / "cloud"); };
+    chosen.cache->onCloudUpdate(
+        batchOf(chosen.folder / "cloud/Documents", {"Notes/both.txt"}, Kind::all));
+    CHECK(tests::describe(*chosen.cache) == "both.txt=cloud|cloud|0\n");
+
+    CacheFixture linked({});
+    linked.folder.write("real/Notes/a.txt", "a");
+    std::filesystem::create_directory_symlink("real", linked.root);
+    linked.load();
+    std::filesystem::remove(linked.root);
+    linked.cache->onCloudUpdate(batchOf(linked.root, {}, Kind::all));
+    CHECK(tests::describe(*linked.cache) == "a.txt=a|a|0\n");
 }
 
 TEST_CASE("load and updates never interleave, in whatever order jobs run") {
