@@ -34,6 +34,12 @@ class Programs:
     def tasks(self, root):
         return [self._tessaly, "--root", root, "--now", NOW, "tasks", "--json"]
 
+    def watch(self, root):
+        """The process, whose standard error is a pipe of text."""
+        command = [self._tessaly, "--root", root, "watch", "--json"]
+        return subprocess.Popen(command, env={**self._env, "LC_ALL": "C.UTF-8"}, stdin=subprocess.DEVNULL,
+                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+
     @staticmethod
     def search(root):
         return ["rg", "-il", NEEDLE, root]
@@ -54,14 +60,19 @@ class Programs:
 
     def pairs(self, a, b, count):
         """Times of two commands run in turn, after a warm-up; each goes first every other time."""
-        self.times(a), self.times(b)
-        pairs = []
-        for index in range(count):
-            if index % 2 == 0:
-                pairs.append((self.times(a), self.times(b)))
-            else:
-                pairs.append(tuple(reversed((self.times(b), self.times(a)))))
-        return pairs
+        return pairs(lambda: self.times(a), lambda: self.times(b), count)
+
+
+def pairs(a, b, count):
+    """What two functions return, called in turn, after a warm-up; each goes first every other time."""
+    a(), b()
+    found = []
+    for index in range(count):
+        if index % 2 == 0:
+            found.append((a(), b()))
+        else:
+            found.append(tuple(reversed((b(), a()))))
+    return found
 
 
 def ratio_row(name, limit, pairs, scale=1.0):
