@@ -2,8 +2,9 @@
 #include "app/planner.h"
 
 #include <filesystem>
-#include <sstream>
 #include <system_error>
+
+#include "support/notes_in_text.h"
 
 namespace tessaly::tests {
 
@@ -18,7 +19,10 @@ Planner::Planner(const User& user)
                  _defaults,
                  _groupDefaults,
                  _clock,
-                 _pool,
+                 user.isThreaded ? static_cast<base::Executor&>(_pool) : _inline,
+                 _query,
+                 _mainQueue,
+                 _downloads,
                  {_folder / "data", _folder / "config", _folder / "state", _folder / "cache"},
                  {user.locale, ""},
                  [dropbox = user.dropbox] { return dropbox; },
@@ -28,7 +32,8 @@ Planner::Planner(const User& user)
                      _questions.push_back(question);
                      return question.buttons.empty() ? std::nullopt : answer;
                  },
-                 user.dataFolder}) {}
+                 user.dataFolder,
+                 user.isTestMode}) {}
 
 base::Result<base::Done> Planner::intoFakeTrash(const std::string& file) {
     std::error_code error;
@@ -44,25 +49,9 @@ std::string Planner::textOf(std::string_view filename) const {
 }
 
 void Planner::write(std::string_view notes) {
-    constexpr std::string_view opener = "-- ";
-    std::istringstream stream{std::string{notes}};
-    std::string filename;
-    std::string text;
-    const auto finish = [&] {
-        if (!filename.empty()) {
-            _folder.write(std::string{root} + filename, text);
-        }
-        text.clear();
-    };
-    for (std::string line; std::getline(stream, line);) {
-        if (line.starts_with(opener)) {
-            finish();
-            filename = line.substr(opener.size());
-        } else {
-            text += line + "\n";
-        }
+    for (const auto& [name, text] : notesIn(notes)) {
+        _folder.write(std::string{root} + name, text);
     }
-    finish();
 }
 
 }  // namespace tessaly::tests

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/services.h"
+#include "base/inline_executor.h"
 #include "base/thread_pool.h"
 #include "platform/fixed_clock.h"
 #include "platform/flock_folder_locks.h"
@@ -15,9 +16,22 @@
 #include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "support/log_capture.h"
+#include "support/manual_main_queue.h"
+#include "support/scripted_query.h"
 #include "support/temp_folder.h"
 
 namespace tessaly::tests {
+
+/// A machine without a sync client.
+class NoDownloads final : public ports::CloudDownloads {
+public:
+    base::Result<ports::DownloadState> state(const std::string& file) override {
+        return base::Failure{base::Failure::Kind::unavailable, file};
+    }
+    base::Result<base::Done> request(const std::string& file) override {
+        return base::Failure{base::Failure::Kind::unavailable, file};
+    }
+};
 
 /// One user's files at one moment, with the real file system and threads below them.
 class Planner {
@@ -30,6 +44,8 @@ public:
         std::optional<std::string> dataFolder = std::nullopt;
         ports::Trash trash = [](const std::string& file) { return intoFakeTrash(file); };
         std::optional<std::size_t> answer = std::nullopt;  ///< to every question
+        bool isTestMode = false;
+        bool isThreaded = true;  ///< else all work is done where it is posted
     };
 
     /// A trash that swallows files, since not every file system has one.
@@ -38,7 +54,7 @@ public:
     Planner() : Planner(User{}) {}
     explicit Planner(const User& user);
 
-    /// Writes notes: a line "-- Calendar/20190305.txt" begins each, its lines follow.
+    /// Writes `notesIn` that text.
     void write(std::string_view notes);
 
     /// Writes the settings file, JSON.
@@ -50,6 +66,8 @@ public:
 
     const TempFolder& folder() const { return _folder; }
     app::Services& services() { return _services; }
+    ScriptedQuery& query() { return _query; }
+    ManualMainQueue& mainQueue() { return _mainQueue; }
 
     /// What a file of the local data folder holds; "-" where there is none.
     std::string textOf(std::string_view filename) const;
@@ -71,6 +89,10 @@ private:
     platform::FixedClock _clock;
     platform::FlockFolderLocks _locks;
     base::ThreadPool _pool{3};
+    base::InlineExecutor _inline;
+    ScriptedQuery _query;
+    ManualMainQueue _mainQueue;
+    NoDownloads _downloads;
     app::Services _services;
 };
 

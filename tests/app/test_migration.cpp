@@ -6,7 +6,6 @@
 
 using namespace tessaly;
 using app::Migration;
-using app::MigrationAnswer;
 using tests::Planner;
 using tests::TempFolder;
 
@@ -44,26 +43,43 @@ TEST_CASE("folders without a file are nothing to move") {
     CHECK(app::migrationState(planner.services()) == Migration::nothingLocal);
 }
 
-TEST_CASE("the offer is put with its three answers, and only the third is stored") {
-    const std::optional<std::size_t> answers[] = {0, 1, 2, std::nullopt, 3};
-    const MigrationAnswer meanings[] = {MigrationAnswer::move, MigrationAnswer::seePreferences,
-                                        MigrationAnswer::never, MigrationAnswer::notGiven,
-                                        MigrationAnswer::notGiven};
-    for (std::size_t index = 0; index < std::size(answers); ++index) {
-        CAPTURE(index);
-        Planner::User user;
-        user.answer = answers[index];
-        Planner planner{user};
-        const auto answer = app::askForMigration(planner.services());
-        REQUIRE(answer);
-        CHECK(*answer == meanings[index]);
-        REQUIRE(planner.questions().size() == 1);
-        CHECK(planner.questions()[0].title == "iCloud Drive Detected!");
-        CHECK(planner.questions()[0].buttons == std::vector<std::string>{"Yes, move my notes",
-                                                                         "See sync preferences",
-                                                                         "Don't show this again"});
-        const auto stored =
+TEST_CASE("the offer is put once, when there is something to move and it is wanted") {
+    struct Row {
+        const char* what;
+        const char* settings;
+        const char* notes;
+        std::optional<std::size_t> answer;
+        std::vector<std::string> told;
+        const char* movedTo;  // what the cloud drive's file holds then
+        bool isWantedThen = true;
+    };
+    const char* const offer = "iCloud Drive Detected!";
+    const char* const some = "-- Notes/Plans.txt\nplans\n";
+    for (const Row& row : {
+             Row{"moved", "{}", some, 0, {offer, "Moving Your Notes"}, "plans\n"},
+             Row{"see preferences", "{}", some, 1, {offer}, "-"},
+             Row{"never", "{}", some, 2, {offer}, "-", false},
+             Row{"no answer", "{}", some, std::nullopt, {offer}, "-"},
+             Row{"nothing there", "{}", "", 0, {}, "-"},
+             Row{"another button", "{}", some, 7, {offer}, "-"},
+             Row{"unwanted", R"({"shouldMigrateFiles": false})", some, 0, {}, "-", false},
+         }) {
+        CAPTURE(row.what);
+        const TempFolder cloud;
+        Planner planner{{.cloudContainer = cloud.path(), .answer = row.answer}};
+        planner.set(row.settings);
+        planner.write(row.notes);
+        app::offerMigration(planner.services());
+        app::offerMigration(planner.services());
+        std::vector<std::string> told;
+        for (const ports::Question& question : planner.questions()) {
+            told.push_back(question.title);
+        }
+        const auto wanted =
             planner.services().ports().standardDefaults.valueForKey("shouldMigrateFiles");
-        CHECK((stored == ports::DefaultsValue{false}) == (*answer == MigrationAnswer::never));
+        CHECK(wanted.has_value() != row.isWantedThen);
+        CHECK(told == row.told);
+        const char* const moved = "Documents/Notes/Plans.txt";
+        CHECK((cloud.exists(moved) ? cloud.read(moved) : "-") == row.movedTo);
     }
 }
