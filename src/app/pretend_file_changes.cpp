@@ -209,7 +209,7 @@ Result<Done> PretendFiles::removeFolder(const std::string& folder) {
         return kind.failure();
     }
     if (*kind != Kind::folder) {
-        return pretendFailure(std::errc::not_a_directory, folder, Failure::Kind::other);
+        return pretendFailure(std::errc::not_a_directory, folder, Failure::Kind::notAFile);
     }
     const auto entries = _tree.list(*place);
     if (!entries) {

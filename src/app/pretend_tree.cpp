@@ -27,7 +27,7 @@ Failure notFound(const std::string& path) {
 }
 
 Failure notAFolder(const std::string& path) {
-    return pretendFailure(std::errc::not_a_directory, path, Failure::Kind::other);
+    return pretendFailure(std::errc::not_a_directory, path, Failure::Kind::notAFile);
 }
 
 bool isFolder(const std::optional<PretendThing>& change) {

@@ -43,17 +43,18 @@ Loss lossOf(int error) {
         int error;
         Loss loss;
     };
-    constexpr std::array<Row, 6> rows{{
+    constexpr std::array<Row, 7> rows{{
         {ENOENT, Loss::gone},
         {ENOTDIR, Loss::gone},
         {ELOOP, Loss::gone},
-        {EACCES, Loss::unreadable},
-        {EPERM, Loss::unreadable},
-        {ENAMETOOLONG, Loss::unreadable},
+        {ENOSPC, Loss::limit},
+        {ENOMEM, Loss::limit},
+        {EMFILE, Loss::limit},
+        {ENFILE, Loss::limit},
     }};
     const auto* const row = std::find_if(rows.begin(), rows.end(),
                                          [error](const Row& each) { return each.error == error; });
-    return row != rows.end() ? row->loss : Loss::limit;
+    return row != rows.end() ? row->loss : Loss::unreadable;
 }
 
 /// The kernel says of its limit that the device is full.
