@@ -65,10 +65,10 @@ public:
         : _files(files), _heldNoteOf(heldNoteOf) {
         for (FoundNote& each : found) {
             each.held = heldNoteOf(each.name.type, each.name.filename);
-            if (each.name.isSaidDeleted) {
-                each.what = What::nothing;
-            } else {
-                _toLookAt.push_back(&each);
+            switch (each.name.seen) {
+                case NamedNote::Seen::gone: each.what = What::nothing; break;
+                case NamedNote::Seen::folder: each.what = What::folder; break;
+                case NamedNote::Seen::somehow: _toLookAt.push_back(&each); break;
             }
         }
     }

@@ -18,6 +18,12 @@ Place placeOf(const NamedNote& name) {
     return {name.type, name.filename};
 }
 
+NamedNote::Seen seenOf(const CloudNote& note) {
+    return note.update == UpdateType::deleted ? NamedNote::Seen::gone
+           : note.isFolder                    ? NamedNote::Seen::folder
+                                              : NamedNote::Seen::somehow;
+}
+
 }  // namespace
 
 bool isCached(NoteType type, std::string_view filename) {
@@ -31,7 +37,7 @@ std::vector<NamedNote> namesOf(const CloudBatch& batch) {
     for (const CloudNote& note : batch.notes) {
         const std::string_view filename = filenameOf(note, batch.root);
         if (isCached(note.base, filename)) {
-            names.push_back({note.base, std::string(filename), note.update == UpdateType::deleted});
+            names.push_back({note.base, std::string(filename), seenOf(note)});
         }
     }
     return names;

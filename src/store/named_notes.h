@@ -15,9 +15,10 @@ namespace tessaly::store {
 struct NamedNote {
     base::NoteType type = base::NoteType::none;  ///< calendar or note
     std::string filename;                        ///< relative to the kind's folder
-    /// Somebody has looked, and it is not there. It is not looked at once more: what has come back
-    /// since will be named again.
-    bool isSaidDeleted = false;
+    /// What somebody has seen who has just looked. That it is gone, or a folder, is believed: when
+    /// it is otherwise since, that will be named, too. What a file holds is looked at.
+    enum class Seen { somehow, gone, folder };
+    Seen seen = Seen::somehow;
 };
 
 /// The collections as they are at one time.

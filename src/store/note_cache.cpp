@@ -26,11 +26,11 @@ std::shared_ptr<const T> shared(T value) {
 
 NoteCache::NoteCache(Tools tools)
     : _tools(std::move(tools)),
-      _generalNotesQueue(queueLabel(_tools.store, "GeneralNotes"), _tools.executor),
-      _calendarNotesQueue(queueLabel(_tools.store, "CalendarNotes"), _tools.executor),
-      _lineAtTagsQueue(queueLabel(_tools.store, "lineAtTags"), _tools.executor),
-      _lineHashTagsQueue(queueLabel(_tools.store, "lineHashTags"), _tools.executor),
-      _semaphore(_tools.executor) {}
+      generalNotesQueue(queueLabel(_tools.store, "GeneralNotes"), _tools.executor),
+      calendarNotesQueue(queueLabel(_tools.store, "CalendarNotes"), _tools.executor),
+      lineAtTagsQueue(queueLabel(_tools.store, "lineAtTags"), _tools.executor),
+      lineHashTagsQueue(queueLabel(_tools.store, "lineHashTags"), _tools.executor),
+      semaphore(_tools.executor) {}
 
 NoteCache::~NoteCache() = default;
 
@@ -39,19 +39,21 @@ bool NoteCache::initialUpdateDone() const {
 }
 
 void NoteCache::load(LoadOptions options) {
-    _semaphore.enter([this, options = std::move(options)] { loadAll(options); });
+    semaphore.enter([this, options = std::move(options)] { loadAll(options); });
 }
 
 void NoteCache::loadAll(const LoadOptions& options) {
     _settings = _tools.countSettings();
     _root = resolvedRoot();
-    setCalendarNotes(shared(loadDays(_tools.store, _tools.clock.today(), daysAhead, _settings)));
+    if (!_initialUpdateDone) {
+        showNextDays();
+    }
     NoteReader::Options reading;
     reading.progress = options.progress;
     reading.cancelled = options.cancelled;
     LoadedNotes notes = loadNotes(_tools.store, _tools.executor, _settings, std::move(reading));
     if (notes.report.cancelled) {
-        setCalendarNotes(shared(CalendarNotes()));
+        setCalendarNotes(shared(CalendarNotes()));  // only a first load is cancelled
         return;
     }
     setGeneralNotes(shared(std::move(notes.generalNotes)));
@@ -60,8 +62,19 @@ void NoteCache::loadAll(const LoadOptions& options) {
     _strays.set(shared(std::move(notes.strays)));
     _report.set(shared(std::move(notes.report)));
     _areNoteTasksCounted = false;
-    _semaphore.enter([this] { countNoteTasks(); });
+    semaphore.enter([this] { countNoteTasks(); });
     finishLoading();
+}
+
+void NoteCache::showNextDays() {
+    CalendarNotes days = loadDays(_tools.store, _tools.clock.today(), daysAhead, _settings);
+    CacheChanges changes;
+    days.forEach([&changes](const CalendarNotes::Pointer& note) {
+        changes.notes.push_back({base::NoteType::calendar, note->model.filename});
+    });
+    changes.calendarNotes = !days.empty();
+    setCalendarNotes(shared(std::move(days)));
+    tell(changes);
 }
 
 std::string NoteCache::resolvedRoot() const {
@@ -71,43 +84,43 @@ std::string NoteCache::resolvedRoot() const {
 }
 
 void NoteCache::finishLoading() {
-    std::function<void()> onHasLoaded;
+    std::function<void()> hasLoaded;
     {
         const std::scoped_lock lock(_mutex);
         _initialUpdateDone = true;
-        onHasLoaded = std::exchange(_onHasLoaded, nullptr);
+        hasLoaded = std::exchange(onHasLoaded, nullptr);
     }
-    if (onHasLoaded) {
-        onHasLoaded();
+    if (hasLoaded) {
+        hasLoaded();
     }
     tell({true, true, true, true, {}});
 }
 
-void NoteCache::setOnHasLoaded(std::function<void()> onHasLoaded) {
+void NoteCache::setOnHasLoaded(std::function<void()> hasLoaded) {
     {
         const std::scoped_lock lock(_mutex);
         if (!_initialUpdateDone) {
-            _onHasLoaded = std::move(onHasLoaded);
+            onHasLoaded = std::move(hasLoaded);
             return;
         }
     }
-    if (onHasLoaded) {
-        onHasLoaded();
+    if (hasLoaded) {
+        hasLoaded();
     }
 }
 
 void NoteCache::setGeneralNotes(std::shared_ptr<const GeneralNotes> notes) {
-    _generalNotesQueue.sync([&] { _generalNotes.set(std::move(notes)); });
+    generalNotesQueue.sync([&] { _generalNotes.set(std::move(notes)); });
 }
 
 void NoteCache::setCalendarNotes(std::shared_ptr<const CalendarNotes> notes) {
-    _calendarNotesQueue.sync([&] { _calendarNotes.set(std::move(notes)); });
+    calendarNotesQueue.sync([&] { _calendarNotes.set(std::move(notes)); });
 }
 
 void NoteCache::setTags(std::shared_ptr<const TagCounts> atTags,
                         std::shared_ptr<const TagCounts> hashTags) {
-    _lineAtTagsQueue.sync([&] { _lineAtTags.set(std::move(atTags)); });
-    _lineHashTagsQueue.sync([&] { _lineHashTags.set(std::move(hashTags)); });
+    lineAtTagsQueue.sync([&] { _lineAtTags.set(std::move(atTags)); });
+    lineHashTagsQueue.sync([&] { _lineHashTags.set(std::move(hashTags)); });
 }
 
 std::optional<KnownText> NoteCache::knownText(base::NoteType type,
@@ -143,18 +156,18 @@ std::vector<std::string> NoteCache::strays() const {
 
 void NoteCache::addListener(CacheListener& listener) {
     const std::scoped_lock lock(_mutex);
-    _listeners.push_back(&listener);
+    listeners.push_back(&listener);
 }
 
 void NoteCache::removeListener(CacheListener& listener) {
     std::unique_lock lock(_mutex);
-    std::erase(_listeners, &listener);
+    std::erase(listeners, &listener);
     _hasTold.wait(lock, [this] { return !_isTelling; });
 }
 
 void NoteCache::setTagUpdateDelegate(TagUpdateDelegate* delegate) {
     std::unique_lock lock(_mutex);
-    _tagUpdateDelegate = delegate;
+    tagUpdateDelegate = delegate;
     _hasTold.wait(lock, [this] { return !_isTelling; });
 }
 
@@ -162,18 +175,18 @@ void NoteCache::tell(const CacheChanges& changes) {
     if (!changes.any()) {
         return;
     }
-    std::vector<CacheListener*> listeners;
+    std::vector<CacheListener*> told;
     TagUpdateDelegate* delegate = nullptr;
     {
         const std::scoped_lock lock(_mutex);
-        listeners = _listeners;
-        delegate = changes.lineAtTags || changes.lineHashTags ? _tagUpdateDelegate : nullptr;
+        told = listeners;
+        delegate = changes.lineAtTags || changes.lineHashTags ? tagUpdateDelegate : nullptr;
         _isTelling = true;
     }
     if (delegate != nullptr) {
         delegate->tagsChanged();
     }
-    for (CacheListener* listener : listeners) {
+    for (CacheListener* listener : told) {
         listener->cacheChanged(changes);
     }
     const std::scoped_lock lock(_mutex);
@@ -182,7 +195,7 @@ void NoteCache::tell(const CacheChanges& changes) {
 }
 
 void NoteCache::waitUntilIdle() {
-    _semaphore.waitUntilFree();
+    semaphore.waitUntilFree();
 }
 
 }  // namespace tessaly::store

@@ -34,7 +34,8 @@ struct CacheChanges {
     bool calendarNotes = false;
     bool lineAtTags = false;
     bool lineHashTags = false;
-    /// The notes that came, went or changed; empty when everything may have changed.
+    /// The notes that came, went or changed, and the days whose counts did; empty when everything
+    /// may have changed.
     struct Note {
         base::NoteType type;
         std::string filename;  ///< relative to the kind's folder
@@ -44,8 +45,9 @@ struct CacheChanges {
     bool any() const { return generalNotes || calendarNotes || lineAtTags || lineHashTags; }
 };
 
-/// Told about changes of the cache, once a batch, when all its snapshots are published: on the
-/// thread that made the batch, outside every queue. Views post on to the main queue.
+/// Told about changes of the cache: once a batch, when its snapshots are published, and once more
+/// when the days' counts of other notes' tasks that follow from it are. On the thread that did the
+/// work, outside every queue. Views post on to the main queue.
 class CacheListener {
 public:
     virtual ~CacheListener() = default;
@@ -68,8 +70,9 @@ using RepeatHook = std::function<bool(const FinishedRepeat& found)>;
 ///
 /// Each collection is changed only on a queue of its own (".NoteCache.GeneralNotes",
 /// ".NoteCache.CalendarNotes", ".NoteCache.lineAtTags", ".NoteCache.lineHashTags"), one after the
-/// other and once a batch. First load, updates and recounts hold `semaphore`, so none overlaps
-/// another. All operations may be called from any thread unless they say else.
+/// other, once a batch and once for the counts that follow from it. First load, updates and
+/// recounts hold `semaphore`, so none overlaps another. All operations may be called from any
+/// thread unless they say else.
 class NoteCache {
 public:
     /// All outlive the cache.
@@ -99,7 +102,7 @@ public:
     bool initialUpdateDone() const;
     /// Called once, on the loading thread, when the first full load has finished; at once, on the
     /// calling thread, when it has already.
-    void setOnHasLoaded(std::function<void()> onHasLoaded);
+    void setOnHasLoaded(std::function<void()> hasLoaded);
 
     /// Snapshots. Never null.
     std::shared_ptr<const GeneralNotes> generalNotes() const { return _generalNotes.get(); }
@@ -152,6 +155,7 @@ public:
 private:
     // Pieces of work, each under the gate.
     void loadAll(const LoadOptions& options);
+    void showNextDays();
     void countNoteTasks();
     void update(std::vector<NamedNote> names, CloudBatch::Kind kind);
     void recountIfNeeded();
@@ -184,16 +188,16 @@ private:
 
     mutable std::mutex _mutex;  ///< guards what follows
     std::condition_variable _hasTold;
-    std::vector<CacheListener*> _listeners;
-    TagUpdateDelegate* _tagUpdateDelegate = nullptr;
+    std::vector<CacheListener*> listeners;
+    TagUpdateDelegate* tagUpdateDelegate = nullptr;
     bool _isTelling = false;
-    std::function<void()> _onHasLoaded;
+    std::function<void()> onHasLoaded;
 
     // Whose turn it is to change what is published.
-    base::SerialQueue _generalNotesQueue;
-    base::SerialQueue _calendarNotesQueue;
-    base::SerialQueue _lineAtTagsQueue;
-    base::SerialQueue _lineHashTagsQueue;
+    base::SerialQueue generalNotesQueue;
+    base::SerialQueue calendarNotesQueue;
+    base::SerialQueue lineAtTagsQueue;
+    base::SerialQueue lineHashTagsQueue;
 
     // Who holds the gate.
     CountSettings _settings;  ///< that the notes were counted by
@@ -202,7 +206,7 @@ private:
     bool _areNoteTasksCounted = false;
     ChangedTasks _uncounted;  ///< since `_noteTasks` was brought up to date
 
-    base::Gate _semaphore;  ///< the last member: its end waits for the work in hand
+    base::Gate semaphore;  ///< the last member: its end waits for the work in hand
 };
 
 }  // namespace tessaly::store

@@ -81,8 +81,8 @@ Snapshot replaced(const Snapshot& items, base::Executor& executor, const Replace
 // What is told ahead is told once more with all there is, and what is not loaded yet will be.
 void NoteCache::onCloudUpdate(const CloudBatch& batch) {
     const bool isAhead = batch.kind == CloudBatch::Kind::ahead;
-    _semaphore.enter([this, root = batch.root, kind = batch.kind, description = describe(batch),
-                      names = isAhead ? std::vector<NamedNote>() : namesOf(batch)]() mutable {
+    semaphore.enter([this, root = batch.root, kind = batch.kind, description = describe(batch),
+                     names = isAhead ? std::vector<NamedNote>() : namesOf(batch)]() mutable {
         base::logRoutine("onCloudUpdate - ", description);
         if (root == _root) {
             update(std::move(names), kind);
@@ -102,7 +102,7 @@ void NoteCache::reread(NoteType type, std::string filename) {
     if (!isCached(type, filename)) {
         return;
     }
-    _semaphore.enter([this, name = NamedNote{type, std::move(filename), false}] {
+    semaphore.enter([this, name = NamedNote{type, std::move(filename)}] {
         update({name}, CloudBatch::Kind::later);
     });
 }
@@ -125,7 +125,7 @@ void NoteCache::update(std::vector<NamedNote> names, CloudBatch::Kind kind) {
     publish(update);
     _uncounted.add(update.changedTasks());
     if (!_uncounted.empty()) {
-        _semaphore.enter([this] { countNoteTasks(); });
+        semaphore.enter([this] { countNoteTasks(); });
     }
 }
 
@@ -192,7 +192,7 @@ void NoteCache::countNoteTasks() {
 }
 
 void NoteCache::settingsMayHaveChanged() {
-    _semaphore.enter([this] { recountIfNeeded(); });
+    semaphore.enter([this] { recountIfNeeded(); });
 }
 
 void NoteCache::recountIfNeeded() {

@@ -307,7 +307,8 @@ void NoteUpdate::setCounts(base::Day day, const CalendarNotes::Pointer& held,
 std::vector<NoteUpdate::NoteId> NoteUpdate::changedNotes() const {
     std::vector<NoteId> changed;
     for (const auto& [day, change] : _days) {
-        if (!isSame(change.before, change.after)) {
+        if (!isSame(change.before, change.after) ||
+            !hasSameNoteTasks(change.before, change.after)) {
             changed.emplace_back(NoteType::calendar, calendarFilename(day));
         }
     }

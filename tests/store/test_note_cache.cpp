@@ -49,8 +49,11 @@ TEST_CASE("the first load holds what is there") {
               "b/c.txt=# C\n* [ ] x >2019-03-06 #one/two|C|1\n"
               "20190305=* one\n* [x] two @bob|11|00\n20190306-|00|10\n"
               "@bob:1 #one:2 #one/two:1 stray 2019-03-05.txt\nstray old/20190301.txt\n");
-        CHECK(order == Lines{"loaded", "second tags", "first general calendar @ #",
-                             "second general calendar @ #", "first calendar", "second calendar"});
+        const std::string today = " calendar Calendar/20190305.txt";
+        const std::string planned = " calendar Calendar/20190306.txt";
+        CHECK(order == Lines{"first" + today, "second" + today, "loaded", "second tags",
+                             "first general calendar @ #", "second general calendar @ #",
+                             "first" + planned, "second" + planned});
         cache->setOnHasLoaded([&] { order.push_back("at once"); });
         CHECK(order.back() == "at once");
         cache->removeListener(first);
@@ -125,7 +128,7 @@ TEST_CASE("an update takes over what is on the disk") {
         {"a note goes",
          [](const auto& f) { remove(f / "data/Notes/a.txt"); },
          {"Notes/a.txt"},
-         {"told tags", "told general @ # Notes/a.txt", "told calendar"}},
+         {"told tags", "told general @ # Notes/a.txt", "told calendar Calendar/20190306.txt"}},
         {"a folder goes with its notes",
          [](const auto& f) { remove(f / "data/Notes/sub"); },
          {"Notes/sub", "Notes/sub/b.txt", "Notes/sub/c.txt"},
@@ -133,7 +136,7 @@ TEST_CASE("an update takes over what is on the disk") {
         {"a task is scheduled to another day",
          [](const auto& f) { f.write("data/Notes/a.txt", "A #x @y\n* [x] t >2019-03-07"); },
          {"Notes/a.txt"},
-         {"told general Notes/a.txt", "told calendar"}},
+         {"told general Notes/a.txt", "told calendar Calendar/20190306.txt Calendar/20190307.txt"}},
         {"a day comes, another changes, a third goes",
          [](const auto& f) {
              f.write("data/Calendar/20190306.txt", "* [x] t");
