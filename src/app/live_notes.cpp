@@ -40,8 +40,19 @@ void LiveNotes::start(store::NoteCache::LoadOptions options) {
     _settingsTimer = _mainQueue.every(settingsInterval, [this] { lookAtSettings(); });
 }
 
+// All that is there is told once it is all of another folder, or of one that was away: what lay in
+// the one before has been told as deleted.
+bool LiveNotes::isNews(store::CloudBatch::Kind kind) {
+    switch (kind) {
+        case store::CloudBatch::Kind::ahead: return false;
+        case store::CloudBatch::Kind::all: return _wasAllTold.exchange(true);
+        case store::CloudBatch::Kind::later: break;
+    }
+    return true;
+}
+
 void LiveNotes::receive(const store::CloudBatch& batch) {
-    if (batch.kind != store::CloudBatch::Kind::later || !_handlers.onBatch) {
+    if (!isNews(batch.kind) || batch.notes.empty() || !_handlers.onBatch) {
         return;
     }
     _mainQueue.post([this, alive = std::weak_ptr(_alive), batch] {

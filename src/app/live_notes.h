@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -23,7 +24,8 @@ public:
         /// All notes are loaded, and whatever changes from now on is told; there may also be no
         /// data folder, and what lies in it when it comes is not told. Once.
         std::function<void()> onReady;
-        /// What others have changed (no batch of the first kind), when the cache has taken it in.
+        /// What others have changed, when the cache has taken it in; of the first batches none, but
+        /// all that is there when the data folder has become another one, or comes back.
         std::function<void(const store::CloudBatch& batch)> onBatch;
         /// `CloudSync::watching` tells another cause.
         std::function<void()> onWatchingChanged;
@@ -45,6 +47,7 @@ public:
     void start(store::NoteCache::LoadOptions options = {});
 
 private:
+    bool isNews(store::CloudBatch::Kind kind);
     void receive(const store::CloudBatch& batch);
     void tellIfReady();
     bool isWatched();
@@ -57,6 +60,7 @@ private:
     ports::MainQueue::Timer _readyTimer = 0;
     ports::MainQueue::Timer _settingsTimer = 0;
     bool _isReady = false;
+    std::atomic<bool> _wasAllTold = false;
     /// Gone with this object, so that jobs that are still posted know.
     std::shared_ptr<const bool> _alive = std::make_shared<bool>(true);
 };

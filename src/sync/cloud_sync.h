@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -44,10 +45,10 @@ using KnownText =
 /// whether anything is left over, and now and then at everything, for events can be lost.
 ///
 /// Only reads. Events are hints: what has changed is told by looking at the files and comparing
-/// with
-/// `_currentNotes`. A folder that cannot be looked at for another reason than that it is gone stays
-/// as it was. Created and destroyed on the main thread; the data store's root is asked for at each
-/// refresh, and when it is another one, everything begins again with that.
+/// with `_currentNotes`. A folder that cannot be looked at for another reason than that it is gone
+/// stays as it was. A root that is gone is told as the deletion of all in it, one that comes back
+/// as a first batch is. Created and destroyed on the main thread; the data store's root is asked
+/// for at each batch, and when it is another one, everything begins again with that.
 class CloudSync {
 public:
     /// All outlive this object.
@@ -118,6 +119,8 @@ private:
     };
     void processBatch();
     std::string resolvedRoot();
+    std::uint64_t inodeOf(const std::string& root);
+    bool isAnotherFolder(const std::string& root);
     void beginWith(std::string root);
     void leaveRoot();
     bool canLook();
@@ -159,7 +162,8 @@ private:
     std::optional<base::Failure> _queryFailure;
 
     // Of who holds `semaphore`.
-    std::string _root;  ///< as far as it could be resolved
+    std::string _root;             ///< as far as it could be resolved
+    std::uint64_t _rootInode = 0;  ///< 0: not known
     bool _isRootThere = false;
     RescanPlan _rescans;
     DownloadRequests _downloads;

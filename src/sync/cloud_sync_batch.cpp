@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/log.h"
+#include "store/paths.h"
 #include "sync/cloud_sync.h"
 
 namespace tessaly::sync {
@@ -17,7 +18,7 @@ using Cause = ports::WatchState::Cause;
 void CloudSync::processBatch() {
     _isBatchWaiting = false;
     const std::string root = resolvedRoot();
-    if (root != _root) {
+    if (root != _root || isAnotherFolder(root)) {
         leaveRoot();
         beginWith(root);
     }
@@ -39,8 +40,26 @@ std::string CloudSync::resolvedRoot() {
     return isGone || _root.empty() ? root : _root;
 }
 
+// As when something is mounted there now, or not any more. By way of the folder itself, so that one
+// that is mounted on demand is there.
+std::uint64_t CloudSync::inodeOf(const std::string& root) {
+    const std::string name(store::lastComponent(root));
+    const auto found = _tools.store.files().surveyNames(store::joined(root, ".."), {&name, 1});
+    return found && found->front() ? found->front()->stamp.inode : 0;
+}
+
+bool CloudSync::isAnotherFolder(const std::string& root) {
+    const std::uint64_t inode = inodeOf(root);
+    if (inode == 0) {
+        return false;
+    }
+    const std::uint64_t before = std::exchange(_rootInode, inode);
+    return before != 0 && before != inode;
+}
+
 void CloudSync::beginWith(std::string root) {
     _root = std::move(root);
+    _rootInode = inodeOf(_root);
     _isFirstLoad = true;
     currentNotesQueue.sync([this] {
         currentNotesQueue.assertCurrent();

@@ -186,6 +186,22 @@ TEST_CASE("a root that goes and comes back") {
     CHECK(watched.toldThen() == "later: +Notes/new.txt");
 }
 
+TEST_CASE("a folder in the root's place is another root") {
+    Watched watched;
+    fs::rename(watched.folder() / "data", watched.folder() / "away");
+    watched.folder().write("data/Notes/other.txt", "other");
+    watched.pass(10s);
+    CHECK(watched.told() ==
+          "later: -Calendar/20190301.txt -Notes/a.txt -Notes/sub/ -Notes/sub/b.txt | "
+          "ahead: +Notes/other.txt | all: +Notes/other.txt");
+    fs::rename(watched.folder() / "data", watched.folder() / "other");
+    fs::rename(watched.folder() / "away", watched.folder() / "data");
+    watched.pass(10s);
+    CHECK(watched.told() ==
+          "later: -Notes/other.txt | ahead: +Notes/a.txt +Notes/sub/ +Notes/sub/b.txt | "
+          "all: +Calendar/20190301.txt +Notes/a.txt +Notes/sub/ +Notes/sub/b.txt");
+}
+
 TEST_CASE("another root is begun with anew") {
     SyncFixture fixture(StoreFixture::Root::chosen);
     const TempFolder& folder = fixture.folder();
