@@ -25,22 +25,6 @@ struct DayRow {
 };
 
 const DayRow dayRows[] = {
-    {"every state, in line order, with what is no task left out",
-     "-- Calendar/20190305.txt\n# Tuesday\n"
-     "* Open\n"
-     "\t* [ ] Part\n"
-     "- Item\n"
-     "* [x] Done @done(2019-03-05 09:05)\n"
-     "- [-] Cancelled\n"
-     "3. [>] Moved >2019-03-06\n"
-     "> Quote\n",
-     "2019-03-05", 1,
-     "2019-03-05 today +\n"
-     "= open: Open\n"
-     "= \topen: Part\n"
-     "= done: Done @done(2019-03-05 09:05)\n"
-     "= cancelled: Cancelled\n"
-     "= scheduled: Moved >2019-03-06\n"},
     {"a copy stands for its original; what is overdue stands under today alone",
      "-- Calendar/20190304.txt\n* [>] Call Bob >2019-03-06\n"
      "* [>] Lost copy >2019-03-06\n"
@@ -126,14 +110,6 @@ TEST_CASE("a week begins on the day of the setting, else of the locale") {
         CHECK(base::tagText(views.days.front().day) == row.first);
         CHECK(base::daysBetween(views.days.front().day, views.days.back().day) == 6);
     }
-}
-
-TEST_CASE("which markers make a task is asked of the settings") {
-    Planner planner;
-    planner.set(R"({"isAsteriskTodo": false, "isDashTodo": true, "isNumbersTodo": true})");
-    planner.write("-- Calendar/20190305.txt\n* Asterisk\n- Dash\n1. Number\n* [ ] Box\n");
-    CHECK(tests::dayText(app::dayViews(planner.services(), day("2019-03-05"), 1)) ==
-          "2019-03-05 today +\n= open: Dash\n= open: Number\n= open: Box\n");
 }
 
 TEST_CASE("a reading that is cancelled says so") {

@@ -6,11 +6,9 @@
 
 #include "app/note_lists.h"
 #include "app/planner.h"
-#include "base/enum_names.h"
 
 using namespace tessaly;
 using app::NoteScope;
-using grammar::TodoType;
 using tests::Planner;
 
 namespace {
@@ -77,62 +75,4 @@ TEST_CASE("notes are listed by title or date, below one folder or all") {
     for (const ListRow& row : listRows) {
         check(row);
     }
-}
-
-TEST_CASE("a listed note has its title and what was counted in it") {
-    Planner planner;
-    planner.set(R"({"sortBy": "title", "isIndentedTasksInCalendar": false})");
-    planner.write(notes);
-    std::string text;
-    for (const auto& row : app::listNotes(planner.services(), NoteScope::all, "").rows) {
-        text += row.title + ": " + std::to_string(row.model.numOpenTodos) + " open, " +
-                std::to_string(row.model.numClosedTodos) + " closed\n";
-    }
-    CHECK(text.find("apples: 1 open, 0 closed\n") == 0);
-    CHECK(text.find("ideas: 1 open, 0 closed\n") != text.npos);
-    CHECK(text.find("today: 0 open, 1 closed\n") != text.npos);
-}
-
-TEST_CASE("tasks are listed by place, with the day they are planned for") {
-    const struct {
-        NoteScope scope;
-        std::vector<TodoType> types;
-        std::string expected;
-    } rows[] = {
-        {NoteScope::all,
-         {},
-         "Calendar/20190305.txt:1 done 2019-03-05\n"
-         "Calendar/ideas.txt:1 open -\n"
-         "Notes/Work/Deep/e.txt:2 scheduled -\n"
-         "Notes/z.txt:2 open 2019-03-09\n"
-         "Notes/z.txt:3 cancelled -\n"},
-        {NoteScope::general, {TodoType::open}, "Notes/z.txt:2 open 2019-03-09\n"},
-        {NoteScope::calendar, {TodoType::cancelled, TodoType::scheduled}, ""},
-        {NoteScope::all, {TodoType::title}, ""},
-    };
-    Planner planner;
-    planner.write(notes);
-    for (const auto& row : rows) {
-        std::string text;
-        for (const auto& task : app::listTasks(planner.services(), row.scope, row.types).tasks) {
-            text += task.todo.filename + ":" + std::to_string(task.todo.lineIndex + 1) + " " +
-                    std::string{base::rawValue(task.todo.type)} + " " +
-                    (task.day ? base::tagText(*task.day) : "-") + "\n";
-        }
-        CHECK(text == row.expected);
-    }
-}
-
-TEST_CASE("a tag counts the notes that hold it or a tag within it") {
-    Planner planner;
-    planner.write(notes);
-    const auto text = [&](app::TagKind kind) {
-        std::string all;
-        for (const auto& row : app::listTags(planner.services(), kind).rows) {
-            all += row.tag + " " + std::to_string(row.notes) + "\n";
-        }
-        return all;
-    };
-    CHECK(text(app::TagKind::hashtags) == "#work 3\n#work/clients 1\n");
-    CHECK(text(app::TagKind::mentions) == "@maria 2\n");
 }

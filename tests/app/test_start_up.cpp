@@ -17,28 +17,6 @@ app::UsageLog toldTo(std::string& events) {
 
 }  // namespace
 
-TEST_CASE("start-up takes its steps in order and leaves no trace") {
-    Planner planner;
-    planner.write("-- Calendar/20190304.txt\n* Open\n");
-    const auto before = planner.everything();
-    std::string text;
-    for (const app::StepResult& result : app::startUp(planner.services())) {
-        const bool done = result.outcome == app::StepResult::Outcome::done;
-        text.append(done ? "+ " : "- ").append(result.name).append("\n");
-        CHECK_FALSE(result.note.empty());
-    }
-    CHECK(text ==
-          "- move to the applications folder\n"
-          "- set up Dropbox\n"
-          "+ record the launch\n"
-          "- check for updates\n"
-          "+ register the defaults\n"
-          "- start crash reports and usage analytics\n"
-          "+ show what is new\n"
-          "- register the URL handler\n");
-    CHECK(planner.everything() == before);
-}
-
 TEST_CASE("the first launch is the one without settings and without a data folder") {
     const std::string first = "AppStart Launching\nAppStart First Launch\n";
     const std::string later = "AppStart Launching\n";

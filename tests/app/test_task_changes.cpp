@@ -18,10 +18,6 @@ constexpr const char* notes =
     "-- Calendar/20190305.txt\n"
     "* Call Bob\n"
     "* Pay\n"
-    "-- Calendar/20190306.txt\n"
-    "* Water @repeat(1/2)\n"
-    "-- Calendar/20190307.txt\n"
-    "* Water @repeat(2/2)\n"
     "-- Notes/Work/Plans.txt\n"
     "# Meeting 14:30\n"
     "* Write\n";
@@ -106,32 +102,6 @@ TEST_CASE("a look-up that is cancelled changes nothing") {
     REQUIRE_FALSE(outcome);
     CHECK(outcome.failure().kind == base::Failure::Kind::cancelled);
     CHECK(planner.textOf("Calendar/20190305.txt") == "* Call Bob\n* Pay\n");
-}
-
-TEST_CASE("later repeats go when the user says so, and without an answer nothing goes") {
-    struct Row {
-        std::optional<std::size_t> answer;
-        std::string first;
-        std::string later;
-    };
-    for (const Row& row : {Row{0, "-", "-"}, Row{1, "-", "* Water @repeat(2/2)\n"},
-                           Row{std::nullopt, "* Water @repeat(1/2)\n", "* Water @repeat(2/2)\n"}}) {
-        Planner::User user;
-        user.answer = row.answer;
-        Planner planner{user};
-        planner.write(notes);
-        const auto outcome =
-            app::deleteTasks(planner.services(), {{"tomorrow:1"}, std::nullopt}, std::nullopt);
-        CHECK(outcome.ok() == row.answer.has_value());
-        const auto text = [&](const char* file) {
-            const std::string held = planner.textOf(file);
-            return held.empty() ? "-" : held;
-        };
-        CHECK(text("Calendar/20190306.txt") == row.first);
-        CHECK(text("Calendar/20190307.txt") == row.later);
-        CHECK(titlesOf(planner.questions()) ==
-              "This is a repeating todo. Delete future todos too?|2\n");
-    }
 }
 
 TEST_CASE("what undoing does to copies is told, and explained once") {

@@ -52,9 +52,6 @@ constexpr MarkSettings settingsWith(TodoCharacter character) {
     return {{.isAsteriskTodo = false}, character};
 }
 
-constexpr MarkAction toggles[] = {heading1,     heading2,      heading3,    heading4, todo,
-                                  numberedTodo, unorderedList, orderedList, quote};
-constexpr MarkAction states[] = {markAsDone, markAsScheduled, markAsCanceled};
 constexpr MarkAction unnumbered[] = {heading1,       heading2,      heading3,   heading4,
                                      todo,           unorderedList, markAsDone, markAsScheduled,
                                      markAsCanceled, shiftRight,    shiftLeft,  quote};
@@ -299,28 +296,6 @@ TEST_CASE("random texts: the touched lines become what the whole record says, no
                 checkPlace(result, (*edit)->selection.end());
                 REQUIRE((given.start != given.end || (*edit)->selection.length == 0));
             }
-        }
-    }
-}
-
-TEST_CASE("random lines without a prefix: a command twice gives the line and selection back") {
-    std::mt19937 random(7);
-    const std::vector<std::string> words{"a", "é", "😀", " ", "b*", "3. ", "> ", "[x] ", "n"};
-    for (int i = 0; i < 2'000; ++i) {
-        std::string line = "w";
-        for (std::size_t left = random() % 8; left > 0; --left) {
-            line += words[random() % words.size()];
-        }
-        const std::size_t units = base::utf16Length(line);
-        const TextRange selection{0, random() % 2 == 0 ? 0 : units};
-        const std::string shown = "x\n\n" + tests::writtenMarked(line, selection) + "\r\ny";
-        for (const MarkAction action : toggles) {
-            CAPTURE(base::rawValue(action));
-            REQUIRE(after(action, after(action, shown)) == shown);
-        }
-        const std::string item = "* " + tests::writtenMarked(line, selection);
-        for (const MarkAction action : states) {
-            REQUIRE(after(action, after(action, item)) == item);
         }
     }
 }

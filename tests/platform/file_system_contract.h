@@ -57,25 +57,25 @@ inline void checkReading(ports::FileSystem& files) {
           Failure::Kind::malformed);
 }
 
+constexpr const char oddName[] = "\xff\xfe name";  ///< of a file that is put beside the odd things
+
+inline std::map<std::string, FolderEntry::Kind> kindsOfOddThings() {
+    using Kind = FolderEntry::Kind;
+    return {{"note", Kind::file},   {"folder", Kind::folder}, {"pipe", Kind::other},
+            {"toNote", Kind::link}, {"toFolder", Kind::link}, {"toNothing", Kind::link},
+            {"loop", Kind::link},   {oddName, Kind::file}};
+}
+
 inline void checkListing(ports::FileSystem& files) {
     const OddThings things;
-    const std::string odd = "\xff\xfe name";
-    things.folder.write(odd, "");
+    things.folder.write(oddName, "");
     const auto entries = files.list(things.folder.path());
     REQUIRE(entries);
     std::map<std::string, FolderEntry::Kind> kinds;
     for (const FolderEntry& entry : *entries) {
         kinds[entry.name] = entry.kind;
     }
-    using Kind = FolderEntry::Kind;
-    CHECK(kinds == std::map<std::string, Kind>{{"note", Kind::file},
-                                               {"folder", Kind::folder},
-                                               {"pipe", Kind::other},
-                                               {"toNote", Kind::link},
-                                               {"toFolder", Kind::link},
-                                               {"toNothing", Kind::link},
-                                               {"loop", Kind::link},
-                                               {odd, Kind::file}});
+    CHECK(kinds == kindsOfOddThings());
     const auto empty = files.list(things.folder / "folder");
     REQUIRE(empty);
     CHECK(empty->empty());
@@ -139,14 +139,13 @@ inline std::map<std::string, ports::SurveyedEntry> surveyOf(ports::FileSystem& f
 
 inline void checkSurveys(ports::FileSystem& files) {
     const OddThings things;
-    const std::string odd = "\xff\xfe name";
-    things.folder.write(odd, "1");
+    things.folder.write(oddName, "1");
     things.folder.write("folder/below", "");
     const auto entries =
         surveyOf(files, things.folder.path(),
-                 {"toNote", "note", "missing", "note", odd, "", ".", "..", "folder/below", "note/",
-                  std::string("note\0", 5), "pipe", "toNothing", "folder", "toFolder", "loop",
-                  std::string(300, 'x')});
+                 {"toNote", "note", "missing", "note", oddName, "", ".", "..", "folder/below",
+                  "note/", std::string("note\0", 5), "pipe", "toNothing", "folder", "toFolder",
+                  "loop", std::string(300, 'x')});
     using Kind = FolderEntry::Kind;
     std::map<std::string, Kind> kinds;
     for (const auto& [name, entry] : entries) {
@@ -156,14 +155,7 @@ inline void checkSurveys(ports::FileSystem& files) {
         const bool hasStamp = entry.kind == Kind::file || entry.kind == Kind::folder;
         CHECK((entry.stamp != ports::FileStamp{}) == hasStamp);
     }
-    CHECK(kinds == std::map<std::string, Kind>{{"note", Kind::file},
-                                               {"folder", Kind::folder},
-                                               {"pipe", Kind::other},
-                                               {"toNote", Kind::link},
-                                               {"toFolder", Kind::link},
-                                               {"toNothing", Kind::link},
-                                               {"loop", Kind::link},
-                                               {odd, Kind::file}});
+    CHECK(kinds == kindsOfOddThings());
     const auto contents = files.read(things.folder / "note");
     REQUIRE(contents);
     CHECK(entries.at("note").stamp == contents->stamp);

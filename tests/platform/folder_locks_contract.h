@@ -1,26 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <atomic>
-#include <functional>
-#include <memory>
-#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <doctest/doctest.h>
 
 #include "ports/folder_locks.h"
-#include "support/on_threads.h"
 #include "support/temp_folder.h"
 
 namespace tessaly::tests {
 
 using Paths = std::vector<std::string>;
-
-/// Makes locks that know of no folder yet; `take` may wait as long as they like.
-using MakeLocks = std::function<std::unique_ptr<ports::FolderLocks>()>;
 
 inline Paths unfinishedOf(ports::FolderLocks& locks, const std::string& folder) {
     const auto lock = locks.take(folder);
@@ -105,44 +96,19 @@ inline void checkPathsOfOneFolder(ports::FolderLocks& locks, const TempFolder& f
           base::Failure::Kind::malformed);
 }
 
-/// A lock that another thread holds is waited for, and no two have it at once.
-inline void checkThreads(ports::FolderLocks& locks, const std::string& folder) {
-    constexpr int rounds = 50;
-    std::atomic<int> inside{0};
-    std::atomic<int> most{0};
-    std::atomic<int> done{0};
-    onThreads(3, [&](std::size_t) {
-        for (int i = 0; i < rounds; ++i) {
-            const auto lock = locks.take(folder);
-            if (!lock) {
-                continue;
-            }
-            const int now = ++inside;
-            most = now > most ? now : most.load();
-            std::this_thread::yield();
-            --inside;
-            ++done;
-        }
-    });
-    CHECK(most == 1);
-    CHECK(done == 3 * rounds);
-}
-
-/// What all folder locks must do. `hasty` do not wait. Call it in a test case of its own.
-inline void checkFolderLocks(const MakeLocks& patient, const MakeLocks& hasty) {
+/// What all folder locks must do. `locks` know of no folder yet, and do not wait. Call it in a test
+/// case of its own.
+inline void checkFolderLocks(ports::FolderLocks& locks) {
     const TempFolder folder;
     const std::string locked = folder.mkdir("notes");
     SUBCASE("the first holder is told to look everywhere") {
-        checkFirstHolder(*hasty(), locked);
+        checkFirstHolder(locks, locked);
     }
     SUBCASE("what was begun is remembered until it is finished") {
-        checkRemembering(*hasty(), locked);
+        checkRemembering(locks, locked);
     }
     SUBCASE("two paths of one folder give one lock") {
-        checkPathsOfOneFolder(*hasty(), folder);
-    }
-    SUBCASE("threads exclude each other") {
-        checkThreads(*patient(), locked);
+        checkPathsOfOneFolder(locks, folder);
     }
 }
 

@@ -99,7 +99,7 @@ public:
 
     /// Takes until `condition` is true of all that was told since `forget`, or time is up.
     bool await(const Condition& condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
         while (true) {
             const std::size_t seen = calls();
             for (const Change& change : _query.take()) {
@@ -170,11 +170,11 @@ inline std::vector<Deed> deeds() {
     using std::filesystem::rename;
     return {
         {"write in place",
-         [](const TempFolder& at) { at.write("root/Notes/a.md", "more"); },
-         {entryAt("Notes/a.md")}},
-        {"write deep down",
-         [](const TempFolder& at) { at.write("root/Notes/Sub/Deep/c.md", "more"); },
-         {entryAt("Notes/Sub/Deep/c.md")}},
+         [](const TempFolder& at) {
+             at.write("root/Notes/a.md", "more");
+             at.write("root/Notes/Sub/Deep/c.md", "more");
+         },
+         {entryAt("Notes/Sub/Deep/c.md"), entryAt("Notes/a.md")}},
         {"rename over",
          [](const TempFolder& at) {
              at.write("root/Notes/.a.tmp", "new");
@@ -225,13 +225,6 @@ inline std::vector<Deed> deeds() {
          },
          {treeAt("Notes/Other"), treeAt("Notes/Sub")},
          "Notes/Other/Deep/c.md"},
-        {"a folder moves to another place, and another to its own",
-         [](const TempFolder& at) {
-             rename(at / "root/Notes/Sub/Deep", at / "root/Calendar/Deep");
-             rename(at / "root/Calendar", at / "root/Notes/Sub/Deep");
-         },
-         {treeAt("Calendar"), treeAt("Notes/Sub/Deep")},
-         "Notes/Sub/Deep/Deep/c.md"},
         {"a folder comes from outside",
          [](const TempFolder& at) { rename(at / "outside/Moved", at / "root/Notes/Moved"); },
          {treeAt("Notes/Moved")},
@@ -248,17 +241,6 @@ inline std::vector<Deed> deeds() {
              at.write("root/Notes/.Sub/Deep/c.md", "more");
          },
          {treeAt("Notes/Sub")}},
-        {"a folder takes a file's name",
-         [](const TempFolder& at) {
-             remove_all(at / "root/Notes/a.md");
-             at.mkdir("root/Notes/a.md");
-         },
-         {treeAt("Notes/a.md")},
-         "Notes/a.md/x.md"},
-        {"a folder is renamed over an empty one",
-         [](const TempFolder& at) { rename(at / "root/Notes", at / "root/Calendar"); },
-         {treeAt("Calendar"), treeAt("Notes")},
-         "Calendar/Sub/Deep/c.md"},
     };
 }
 
@@ -281,7 +263,7 @@ inline void checkDeed(ports::MetadataQuery& query, const Deed& deed) {
     }
     if (*deed.later != '\0') {
         folder.write(std::string("root/") + deed.later, "later");
-        CHECK(watching.await([&](const Changes& told) { return tells(told, deed.later); }));
+        REQUIRE(watching.await([&](const Changes& told) { return tells(told, deed.later); }));
     }
     CHECK(query.state().cause == ports::WatchState::Cause::none);
     CHECK(query.state().unwatchedTrees.empty());

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <chrono>
 #include <functional>
-#include <poll.h>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -43,19 +42,16 @@ public:
         const auto* general = reinterpret_cast<const sockaddr*>(&address);
         REQUIRE(::bind(_listening.get(), general, sizeof address) == 0);
         REQUIRE(::listen(_listening.get(), 5) == 0);
-        REQUIRE(::pipe(_end) == 0);
         _thread = std::thread([this] { serve(); });
     }
-    ~Client() {
-        end();
-        ::close(_end[0]);
-        ::close(_end[1]);
-    }
+    ~Client() { end(); }
+
+    static constexpr std::string_view hangUp = "hang up";
 
     /// What it was asked. It then is gone.
     const std::vector<std::string>& end() {
         if (_thread.joinable()) {
-            CHECK(::write(_end[1], "x", 1) == 1);
+            ::shutdown(_listening.get(), SHUT_RDWR);
             _thread.join();
             _listening = FileDescriptor(-1);
         }
@@ -63,28 +59,18 @@ public:
     }
 
 private:
-    /// False: it is to end.
-    bool waitFor(int fd) const {
-        pollfd entries[] = {{_end[0], POLLIN, 0}, {fd, POLLIN, 0}};
-        return ::poll(entries, 2, -1) > 0 && entries[0].revents == 0;
-    }
-
     void serve() {
-        while (waitFor(_listening.get())) {
-            const FileDescriptor caller(::accept(_listening.get(), nullptr, nullptr));
+        while (const FileDescriptor caller{::accept(_listening.get(), nullptr, nullptr)}) {
             say(caller.get(), _greeting);
             talk(caller.get());
         }
     }
 
+    /// Until the caller hangs up.
     void talk(int caller) {
         std::string received;
-        while (waitFor(caller)) {
-            char piece[512];
-            const ssize_t got = ::read(caller, piece, sizeof piece);
-            if (got <= 0) {
-                return;
-            }
+        char piece[512];
+        for (ssize_t got = 0; (got = ::read(caller, piece, sizeof piece)) > 0;) {
             received.append(piece, static_cast<std::size_t>(got));
             for (auto end = received.find('\n'); end != received.npos; end = received.find('\n')) {
                 _lines.push_back(received.substr(0, end));
@@ -108,15 +94,10 @@ private:
         }
     }
 
-public:
-    static constexpr std::string_view hangUp = "hang up";
-
-private:
     FileDescriptor _listening;
     std::string _greeting;
     Answer _answer;
     std::vector<std::string> _lines;  ///< the thread's, while it runs
-    int _end[2] = {-1, -1};
     std::thread _thread;
 };
 

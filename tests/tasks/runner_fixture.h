@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,16 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/fixed_clock.h"
-#include "platform/flock_folder_locks.h"
-#include "platform/posix_file_changes.h"
-#include "platform/posix_file_system.h"
-#include "store/history.h"
-#include "store/safe_files.h"
-#include "support/failing_files.h"
+#include "support/notes_in_text.h"
 #include "support/temp_folder.h"
-#include "tasks/operation_journal.h"
-#include "tasks/operation_runner.h"
+#include "tasks/runner_process.h"
 
 namespace tessaly::tests {
 
@@ -27,44 +19,14 @@ using base::NoteType;
 using Edit = tasks::LineEdit;
 using tasks::NoteStep;
 using tasks::Operation;
-using Notes = std::map<std::string, std::string>;  // text by name
 
 inline const platform::GivenTime now = platform::parseTime("2019-12-31T14:07:33").value();
 
 struct Killed {};
 
-/// A process of ours as far as locks and files can tell.
-struct RunnerProcess {
-    explicit RunnerProcess(const TempFolder& folder)
-        : locks(folder / "locks"),
-          history({failing, failing, failing, clock}, folder / "history"),
-          safe({failing, failing, failing, history}),
-          journal({failing, failing, failing, clock}, folder / "undo", folder / "data"),
-          runner({failing, failing, safe}, journal) {}
-
-    platform::PosixFileSystem files;
-    platform::PosixFileChanges changes;
-    platform::FlockFolderLocks locks;
-    platform::FixedClock clock{now};
-    FailingFiles failing{files, changes, locks};
-    store::History history;
-    store::SafeFiles safe;
-    tasks::OperationJournal journal;
-    tasks::OperationRunner runner;
-};
-
 inline const std::string source = "Calendar/20191231.txt";
 inline const std::string target = "Calendar/20200103.txt";
 inline const std::string earlier = "Calendar/20200102.txt";
-
-/// For messages.
-inline std::string shown(const Notes& notes) {
-    std::string text;
-    for (const auto& [name, bytes] : notes) {
-        text += name + ":\n" + bytes + "|\n";
-    }
-    return text;
-}
 
 inline NoteStep step(const std::string& name, const Edit& edit) {
     NoteStep result;
@@ -154,7 +116,7 @@ struct RunnerFixture {
         return made.empty() ? base::Result<tasks::Undone>(Failure{}) : runner().undo(made.front());
     }
 
-    void restart() { process = std::make_unique<RunnerProcess>(folder); }
+    void restart() { process = std::make_unique<RunnerProcess>(folder, now); }
 
     void dieBefore(const std::string& operation, const std::string& name) {
         failing().before([=, this](int, std::string_view called, const std::string& path) {
@@ -165,7 +127,7 @@ struct RunnerFixture {
     }
 
     TempFolder folder;
-    std::unique_ptr<RunnerProcess> process = std::make_unique<RunnerProcess>(folder);
+    std::unique_ptr<RunnerProcess> process = std::make_unique<RunnerProcess>(folder, now);
 };
 
 inline Notes with(Notes notes, const std::string& name, const std::optional<std::string>& text) {

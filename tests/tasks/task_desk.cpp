@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -95,39 +96,9 @@ base::Day dayIn(std::istream& words) {
 
 }  // namespace
 
-Notes notesIn(std::string_view text) {
-    constexpr std::string_view opener = "-- ";
-    std::istringstream stream{std::string{text}};
-    Notes notes;
-    std::string filename;
-    for (std::string line; std::getline(stream, line);) {
-        if (line.starts_with(opener)) {
-            filename = line.substr(opener.size());
-            notes[filename];
-        } else {
-            notes[filename] += line.ends_with('%') ? line.substr(0, line.size() - 1) : line + "\n";
-        }
-    }
-    return notes;
-}
-
-std::string shown(const Notes& notes) {
-    std::string text;
-    for (const auto& [name, bytes] : notes) {
-        text += "-- " + name + "\n" + bytes + (bytes.ends_with('\n') ? "" : "%\n");
-    }
-    return text;
-}
-
 TaskDesk::TaskDesk(const tasks::RewriteSettings& settings)
-    : _realLocks(_folder / "locks"),
-      _files(_realFiles, _realChanges, _realLocks),
-      _clock(platform::parseTime("2019-05-21T14:07:33").value()),
-      _history({_files, _files, _files, _clock}, _folder / "history"),
-      _safeFiles({_files, _files, _files, _history}),
-      _journal({_files, _files, _files, _clock}, _folder / "undo", _folder / "data"),
-      _runner({_files, _files, _safeFiles}, _journal),
-      _operations({_files, _clock, _runner}, _folder / "data", settings) {
+    : _process(_folder, platform::parseTime("2019-05-21T14:07:33").value()),
+      _operations({_process.failing, _process.clock, _process.runner}, _folder / "data", settings) {
     _folder.mkdir("data/Calendar");
     _folder.mkdir("data/Notes");
 }
@@ -198,8 +169,8 @@ std::string TaskDesk::command(std::string_view text) {
 }
 
 tasks::Undone TaskDesk::undo() {
-    const auto last = _journal.operations(1).value();
-    return _runner.undo(last.at(0)).value();
+    const auto last = _process.journal.operations(1).value();
+    return _process.runner.undo(last.at(0)).value();
 }
 
 }  // namespace tessaly::tests

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <doctest/doctest.h>
@@ -211,45 +209,6 @@ TEST_CASE("operation runner: undoing takes no line that had been there before") 
         CHECK(shown(f.notes()) ==
               shown(with(with(before, target, row.left), source, before.at(source))));
     }
-}
-
-TEST_CASE("operation runner: a copy without a link stays when its scheduling is undone") {
-    RunnerFixture f;
-    NoteStep unlinked = copied();
-    unlinked.staysWhenUndone = true;
-    REQUIRE(f.runner().make(planOf({unlinked, marked()})));
-    const auto undone = f.undoLast();
-    REQUIRE(undone);
-    CHECK(undone->leftCopies);
-    CHECK(undone->isComplete);
-    CHECK(shown(f.notes()) == shown(with(before, target, after.at(target))));
-}
-
-TEST_CASE("operation runner: operations of several threads on one day come one after the other") {
-    constexpr int each = 12;
-    RunnerFixture f({{target, "first\n"}});
-    std::vector<std::unique_ptr<RunnerProcess>> processes;
-    std::vector<std::thread> threads;
-    std::vector<int> counts(2, 0);
-    for (std::size_t at = 0; at < counts.size(); ++at) {
-        const std::string name = "Calendar/own" + std::to_string(at) + ".txt";
-        f.put({{name, "# Day\n* Call\n"}});
-        processes.push_back(std::make_unique<RunnerProcess>(f.folder));
-        threads.emplace_back([&count = counts[at], &process = *processes.back(), name] {
-            for (int i = 0; i < each; ++i) {
-                const auto made = process.runner.make(planOf({copied(), marked(name)}));
-                const bool isUndone = made && (i + 1 == each || process.runner.undo(*made).ok());
-                count += isUndone ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    CHECK(counts == std::vector<int>{each, each});
-    CHECK(f.notes().at(target) == "first\n* Call <2019-12-31\n* Call <2019-12-31\n");
-    CHECK(f.notes().at("Calendar/own0.txt") == "# Day\n* [>] Call >2020-01-03\n");
-    CHECK(f.operations().size() == 2);
 }
 
 }  // namespace tessaly::tests

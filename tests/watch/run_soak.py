@@ -25,9 +25,8 @@ from home import Home, Problems
 from planner import random_line
 from watcher import MARKER, Watcher, write
 
-PAUSE = 1 / 20  # seconds
-BURST = 40  # changes, after which there is a rest for long enough to end a batch
-REST = 1.5
+BURST, PAUSE = 60, 1 / 40  # changes, and seconds between them
+REST = 1.5  # seconds between two bursts: long enough to end a batch, and to make it twenty changes a second
 NAMES = [*(f"Notes/{folder}{number}.txt" for folder in ("", "a/", "a/b/", "c/") for number in range(25)),
          *(f"Calendar/201903{day:02}.txt" for day in range(1, 31))]
 FOLDERS = ["Notes/a", "Notes/a/b", "Notes/c", "Notes/d/e", "outside"]
@@ -132,13 +131,14 @@ def soak(problems, home, seconds, seed):
     samples, edits = [], 0
     with Watcher(home) as watcher:
         watcher.wait_until_ready()
-        ends = time.monotonic() + seconds
-        while (now := time.monotonic()) < ends:
+        began = time.monotonic()
+        while time.monotonic() < began + seconds:
             peer.edit()
             edits += 1
             if edits % 10 == 0:
                 samples.append(measured(watcher.pid))
-            time.sleep(max(0, now + PAUSE - time.monotonic()) if edits % BURST else REST)
+            due = edits * PAUSE + edits // BURST * REST
+            time.sleep(max(0, began + due - time.monotonic()))
         problems.check(not children(watcher.pid), "it has children")
         status, rows, _ = watcher.finish()
         problems.check(status == -signal.SIGINT, f"ended with {status}: {watcher.noise()[-2000:]}")
