@@ -19,8 +19,9 @@
 #include "marked_text.h"
 #include "support/log_capture.h"
 
-using namespace tessaly;
-using namespace tessaly::editor;
+// In here, so that `link` is the action and not the system's function.
+namespace tessaly::editor {
+
 using enum MarkAction;
 using base::TextRange;
 using base::TodoCharacter;
@@ -299,3 +300,5 @@ TEST_CASE("random texts: the touched lines become what the whole record says, no
         }
     }
 }
+
+}  // namespace tessaly::editor
