@@ -16,6 +16,13 @@ namespace tessaly::tests {
 class TrackedExecutor final : public base::Executor {
 public:
     explicit TrackedExecutor(base::Executor& executor) : _executor(executor) {}
+    /// Waits for the jobs that have been posted.
+    ~TrackedExecutor() override {
+        std::unique_lock lock(_mutex);
+        _ended.wait(lock, [this] { return _unfinished == 0; });
+    }
+    TrackedExecutor(const TrackedExecutor&) = delete;
+    TrackedExecutor& operator=(const TrackedExecutor&) = delete;
 
     void post(base::Job job) override {
         {
