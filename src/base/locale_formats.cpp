@@ -38,10 +38,15 @@ icu::Locale localeNamed(const std::string& name) {
     return known ? icu::Locale(name.c_str()) : icu::Locale::getRoot();
 }
 
-/// Noon in a zone without clock changes: no calendar puts it on another day.
+/// A day's first moment in a zone without clock changes.
+UDate startOf(Day day) {
+    return static_cast<double>(std::chrono::sys_days{day}.time_since_epoch().count()) *
+           millisecondsOfDay;
+}
+
+/// No calendar puts it on another day.
 UDate noonOf(Day day) {
-    const auto days = std::chrono::sys_days{day}.time_since_epoch().count();
-    return (static_cast<double>(days) + 0.5) * millisecondsOfDay;
+    return startOf(day) + millisecondsOfDay / 2;
 }
 
 /// Days in files are Gregorian at all times; ICU's calendars turn Julian before 1582.
@@ -92,6 +97,17 @@ public:
         return _timeFormat.get();
     }
 
+    const icu::DateFormat* dateAndTimeFormat() {
+        if (!_dateAndTimeFormat) {
+            _dateAndTimeFormat.reset(icu::DateFormat::createDateTimeInstance(
+                icu::DateFormat::kMedium, icu::DateFormat::kMedium, _locale));
+            if (_dateAndTimeFormat) {
+                _dateAndTimeFormat->setTimeZone(*icu::TimeZone::getGMT());
+            }
+        }
+        return _dateAndTimeFormat.get();
+    }
+
     const icu::NumberFormat* numberFormat() {
         if (!_numberFormat) {
             UErrorCode status = U_ZERO_ERROR;
@@ -138,6 +154,7 @@ private:
     std::unique_ptr<icu::DateTimePatternGenerator> _patterns;
     std::map<std::string, std::unique_ptr<icu::SimpleDateFormat>, std::less<>> _dayFormats;
     std::unique_ptr<icu::SimpleDateFormat> _timeFormat;
+    std::unique_ptr<icu::DateFormat> _dateAndTimeFormat;
     std::unique_ptr<icu::NumberFormat> _numberFormat;
 };
 
@@ -151,7 +168,7 @@ auto withFormatters(const std::string& locale, Use use) {
     return use(kept.try_emplace(locale, locale).first->second);
 }
 
-std::string formatted(const icu::SimpleDateFormat& format, UDate date) {
+std::string formatted(const icu::DateFormat& format, UDate date) {
     icu::UnicodeString text;
     return utf8Of(format.format(date, text));
 }
@@ -172,6 +189,16 @@ std::string LocaleFormats::time(int hour, int minute) const {
         const auto* const format = formatters.timeFormat();
         return format == nullptr ? fmt::format("{:02}:{:02}", hour, minute)
                                  : formatted(*format, (hour * 60 + minute) * 60'000.0);
+    });
+}
+
+std::string LocaleFormats::dateAndTime(const LocalTime& time) const {
+    const int seconds = (time.hour * 60 + time.minute) * 60 + time.second;
+    return withFormatters(_locale, [&](Formatters& formatters) {
+        const auto* const format = formatters.dateAndTimeFormat();
+        return format == nullptr ? fmt::format("{} {:02}:{:02}:{:02}", tagText(time.day), time.hour,
+                                               time.minute, time.second)
+                                 : formatted(*format, startOf(time.day) + seconds * 1000.0);
     });
 }
 

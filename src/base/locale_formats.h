@@ -28,6 +28,9 @@ public:
     /// "h:mm a" or "HH:mm", with the symbols "AM" and "PM" in every locale.
     std::string time(int hour, int minute) const;
 
+    /// Date and time of medium length ("5 Mar 2019, 14:07:33"), as the locale writes both.
+    std::string dateAndTime(const LocalTime& time) const;
+
     /// Twelve when the locale's pattern for the skeleton "j" holds the letter "a".
     HourCycle hourCycle() const;
 

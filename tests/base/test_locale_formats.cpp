@@ -54,6 +54,14 @@ TEST_CASE("each country's days, times and numbers") {
     }
 }
 
+TEST_CASE("a date with its time, to the second, in the locale's own order") {
+    const LocalTime time{.day = 2019y / 3 / 5, .hour = 14, .minute = 7, .second = 3};
+    CHECK(LocaleFormats("en_GB").dateAndTime(time) == "5 Mar 2019, 14:07:03");
+    CHECK(LocaleFormats("de_DE").dateAndTime(time) == "05.03.2019, 14:07:03");
+    CHECK(holds(LocaleFormats("en_US").dateAndTime(time), "Mar 5, 2019, 2:07:03"));
+    CHECK(holds(LocaleFormats("th_TH").dateAndTime(time), "2562"));
+}
+
 TEST_CASE("the ends of the halves of a day") {
     const LocaleFormats american("en_US");
     CHECK(american.time(0, 0) == "12:00 AM");
