@@ -56,11 +56,19 @@ std::string homeFolder() {
     return folderFromUserDatabase().value_or("/");
 }
 
+std::string configHome() {
+    return xdgHome("XDG_CONFIG_HOME", ".config");
+}
+
+std::string stateHome() {
+    return xdgHome("XDG_STATE_HOME", ".local/state");
+}
+
 ports::StandardFolders xdgFolders(const char* programName) {
     return {
         .data = xdgHome("XDG_DATA_HOME", ".local/share"),
-        .config = below(xdgHome("XDG_CONFIG_HOME", ".config"), programName),
-        .state = below(xdgHome("XDG_STATE_HOME", ".local/state"), programName),
+        .config = below(configHome(), programName),
+        .state = below(stateHome(), programName),
         .cache = below(xdgHome("XDG_CACHE_HOME", ".cache"), programName),
     };
 }

@@ -93,6 +93,7 @@ public:
     void start(const std::string& root) {
         REQUIRE(_query.start({root, coversVisible}, [this] { count(); }));
         REQUIRE(await([](const Changes& told) { return tells(told, ""); }));
+        REQUIRE(awaitCalls(1));
         CHECK(_query.state().isReady);
         CHECK(forget() == Changes{treeAt("")});
     }
@@ -134,6 +135,12 @@ public:
     std::size_t calls() {
         const std::scoped_lock lock(_mutex);
         return _calls;
+    }
+
+    /// What is told can be taken before `onUpdate` is called. False: it is not called so often.
+    bool awaitCalls(std::size_t count) {
+        std::unique_lock lock(_mutex);
+        return _changed.wait_for(lock, std::chrono::seconds(30), [&] { return _calls >= count; });
     }
 
     void setOnTaken(std::function<void(const Change&)> onTaken) { _onTaken = std::move(onTaken); }
@@ -259,6 +266,7 @@ inline void checkDeed(ports::MetadataQuery& query, const Deed& deed) {
     watching.settle(folder, folder / "root");
     CHECK(textOf(watching.forget()) == textOf(deed.told));
     if (deed.told.empty()) {
+        REQUIRE(watching.awaitCalls(before + 1));
         CHECK(watching.calls() == before + 1);
     }
     if (*deed.later != '\0') {
