@@ -140,6 +140,9 @@ bool Globals::isFirstTimeUndoScheduling() const {
 std::string Globals::cloudDriveContainer() const {
     return get<std::string>("cloudDriveContainer");
 }
+bool Globals::isStartUpIndex() const {
+    return get<bool>("isStartUpIndex");
+}
 
 base::Result<std::string> Globals::text(std::string_view key) const {
     const SettingRow* row = findSetting(key);

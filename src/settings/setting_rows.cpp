@@ -54,6 +54,9 @@ constexpr std::array rows{
     SettingRow{"cloudDriveContainer", folder, "",
                N_("Folder that a sync client keeps in step with other devices; empty for none"), 0,
                4095},
+    SettingRow{"isStartUpIndex", boolean, "on",
+               N_("Keep an index of all notes in the cache folder, so that the next start is "
+                  "quick")},
 };
 
 constexpr bool keysDiffer() {

@@ -75,6 +75,7 @@ const RoundTrip roundTrips[] = {
     {"isIconBadge", "on", true, by(&Globals::isIconBadge)},
     {"allowAccessLater", "on", true, by(&Globals::allowAccessLater)},
     {"isFirstTimeUndoScheduling", "off", false, by(&Globals::isFirstTimeUndoScheduling)},
+    {"isStartUpIndex", "off", false, by(&Globals::isStartUpIndex)},
     {"cloudDriveContainer", "~/Cloud Drive", "~/Cloud Drive"s, by(&Globals::cloudDriveContainer)},
 };
 
