@@ -24,13 +24,15 @@ enum class ChangeCause {
     repeated,    ///< a task was copied to later days, or its last repeat was marked
     archived,    ///< tasks went to the note's archive
     undone,      ///< one of these changes was taken back
+    resolved,    ///< a version was chosen, or several were joined
+    held,        ///< held by a program that watches, before others changed it
 };
 
 }  // namespace tessaly::store
 
 template <>
 struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
-    static constexpr std::array<EnumName<store::ChangeCause>, 15> rows{{
+    static constexpr std::array<EnumName<store::ChangeCause>, 17> rows{{
         {store::ChangeCause::found, "found"},
         {store::ChangeCause::created, "created"},
         {store::ChangeCause::added, "added"},
@@ -46,5 +48,7 @@ struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
         {store::ChangeCause::repeated, "repeated"},
         {store::ChangeCause::archived, "archived"},
         {store::ChangeCause::undone, "undone"},
+        {store::ChangeCause::resolved, "resolved"},
+        {store::ChangeCause::held, "held"},
     }};
 };

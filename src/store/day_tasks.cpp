@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
-#include <map>
 #include <set>
 #include <tuple>
 #include <unordered_map>
@@ -13,27 +12,15 @@
 #include "base/utf8.h"
 #include "grammar/date_tags.h"
 #include "grammar/todo_helper.h"
-#include "store/note_document.h"
-#include "store/note_names.h"
-#include "store/note_tags.h"
 #include "store/paths.h"
 
 namespace tessaly::store {
 namespace {
 
 using grammar::MarkKind;
-using grammar::ScannedLine;
 using grammar::TodoType;
 
-// A quick look that spares most general notes their scan.
-bool mayHoldScheduleTag(std::string_view text) {
-    for (std::size_t at = text.find('>'); at != text.npos; at = text.find('>', at + 1)) {
-        if (at + 1 < text.size() && text[at + 1] >= '0' && text[at + 1] <= '9') {
-            return true;
-        }
-    }
-    return false;
-}
+constexpr std::size_t firstMemory = 64 << 10;  // bytes
 
 // What an original and its copy have in common.
 std::string bareContent(std::string_view content) {
@@ -55,73 +42,107 @@ std::optional<base::Day> backLinkDay(std::string_view text) {
 
 void DayTasks::add(base::NoteType type, std::string_view filename, std::string_view bytes,
                    const grammar::MarkerSettings& settings, grammar::NoteScanner& scanner) {
-    const auto noteDay =
-        type == base::NoteType::calendar ? dayOfCalendarFilename(filename) : std::nullopt;
-    if (!noteDay && !mayHoldScheduleTag(bytes)) {
+    scanDayTasks(type, filename, bytes, settings, scanner, _found);
+    keep(type, filename, _found);
+}
+
+std::string DayTasks::record(base::NoteType type, std::string_view filename, std::string_view bytes,
+                             const grammar::MarkerSettings& settings,
+                             grammar::NoteScanner& scanner) {
+    DayTaskLines found;
+    scanDayTasks(type, filename, bytes, settings, scanner, found);
+    return recordOfDayTasks(found);
+}
+
+bool DayTasks::addRecord(base::NoteType type, std::string_view filename, std::string_view record) {
+    if (record.empty()) {
+        return true;
+    }
+    _found.noteDay = dayOfNote(type, filename);
+    if (!readDayTasks(record, _found)) {
+        return false;
+    }
+    keep(type, filename, _found);
+    return true;
+}
+
+void DayTasks::keep(base::NoteType type, std::string_view filename, const DayTaskLines& found) {
+    if (found.lines.empty()) {
         return;
     }
-    const std::string_view text = decodedText(bytes).value_or(std::string_view());
-    Note note;
-    scanner.start(text, settings);
-    const auto next = noteDay ? &grammar::NoteScanner::next : &grammar::NoteScanner::nextWithSign;
-    while (const ScannedLine* scanned = (scanner.*next)()) {
-        if (!grammar::isTask(scanned->line.type)) {
-            continue;
-        }
-        const auto scheduledTo = grammar::TodoHelper::firstDay(*scanned, MarkKind::scheduleTag);
-        if (scheduledTo || noteDay) {
-            note.lines.push_back({static_cast<std::uint32_t>(note.text.size()),
-                                  static_cast<std::uint32_t>(scanned->text.size()),
-                                  static_cast<std::uint32_t>(scanned->index), scanned->line,
-                                  scheduledTo});
-            note.text += scanned->text;
-        }
+    if (_memory.empty()) {
+        _memory.push_back(std::make_unique<Memory>(firstMemory));
     }
-    if (note.lines.empty()) {
-        return;
+    const std::span lines(std::pmr::polymorphic_allocator<DayTaskLine>(_memory.front().get())
+                              .allocate(found.lines.size()),
+                          found.lines.size());
+    std::uninitialized_copy(found.lines.begin(), found.lines.end(), lines.begin());
+    for (DayTaskLine& line : lines) {
+        line.text = kept(line.text);
     }
-    const std::string_view name = baseName(filename);
-    note.type = type;
-    note.filename = filename;
-    note.title = noteDay ? std::string(name) : grammar::noteTitle(text, name);
-    note.day = noteDay;
-    _notes.push_back(std::make_unique<const Note>(std::move(note)));
+    _notes.push_back({type, kept(filename), kept(found.title), found.noteDay, lines});
+}
+
+std::string_view DayTasks::kept(std::string_view text) {
+    char* const place =
+        std::pmr::polymorphic_allocator<char>(_memory.front().get()).allocate(text.size());
+    std::copy(text.begin(), text.end(), place);
+    return {place, text.size()};
 }
 
 void DayTasks::join(DayTasks&& other) {
-    std::move(other._notes.begin(), other._notes.end(), std::back_inserter(_notes));
+    std::move(other._memory.begin(), other._memory.end(), std::back_inserter(_memory));
+    _notes.insert(_notes.end(), other._notes.begin(), other._notes.end());
+    other._memory.clear();
     other._notes.clear();
 }
 
 template <class Visit>
 void DayTasks::eachTask(Visit visit) const {
-    for (const auto& note : _notes) {
-        for (const Line& line : note->lines) {
-            visit(Found{note.get(), &line});
+    for (const Note& note : _notes) {
+        for (const DayTaskLine& line : note.lines) {
+            visit(Found{&note, &line});
         }
     }
 }
 
-// Stands for a content that begins with what may be a tag, so that its first character is not known
-// before the tags are taken out.
-constexpr char32_t anyCharacter = 0;
+// What a bare content begins with, as far as that shows before the tags are taken out: the first
+// bytes of its first word. It ends at what may begin a tag, and at the first byte of any white
+// space.
+class Beginning {
+public:
+    explicit Beginning(std::string_view content) {
+        content = base::trimmedStart(content);
+        while (_length < sizeof _bytes && _length < content.size() && isOfWord(content[_length])) {
+            _bytes = _bytes << 8 | static_cast<unsigned char>(content[_length++]);
+        }
+    }
 
-// What the bare content begins with.
-char32_t firstCharacter(std::string_view content) {
-    content = base::trimmedStart(content);
-    const bool isKnown =
-        !content.empty() && std::string_view("<>@").find(content[0]) == content.npos;
-    return isKnown ? base::codePointAt(content, 0).value : anyCharacter;
-}
+    /// Whether one content may begin with both.
+    bool agreesWith(const Beginning& other) const {
+        const std::size_t shorter = std::min(_length, other._length);
+        return shorter == 0 || first(shorter) == other.first(shorter);
+    }
+
+private:
+    static bool isOfWord(char c) {
+        constexpr std::string_view tagsAndSpaces = "<>@\x7F\xC2\xE1\xE2\xE3";
+        return static_cast<unsigned char>(c) > ' ' && tagsAndSpaces.find(c) == tagsAndSpaces.npos;
+    }
+    std::uint64_t first(std::size_t length) const { return _bytes >> 8 * (_length - length); }
+
+    std::uint64_t _bytes = 0;
+    std::size_t _length = 0;
+};
 
 // Tells of scheduled lines whether the day that they name holds a copy. Of a day's tasks only those
 // are made bare that begin as a line does that asks, once for all that ask.
 class DayTasks::Copies {
 public:
     explicit Copies(const DayTasks& tasks) {
-        for (const auto& note : tasks._notes) {
-            if (note->day) {
-                _notes.emplace_back(std::chrono::sys_days{*note->day}, note.get());
+        for (const Note& note : tasks._notes) {
+            if (note.day) {
+                _notes.emplace_back(std::chrono::sys_days{*note.day}, &note);
             }
         }
         std::sort(_notes.begin(), _notes.end());
@@ -131,9 +152,8 @@ public:
         if (!mayHaveCopy(task)) {
             return false;
         }
-        const std::chrono::sys_days day{*task.line->scheduledTo};
-        OfDay& there = _days[day.time_since_epoch().count()];
-        if (!mayHold(there, day, firstCharacter(behindBox(task)))) {
+        OfDay& there = ofDay(std::chrono::sys_days{*task.line->scheduledTo});
+        if (!mayHold(there, Beginning(behindBox(task)))) {
             return false;
         }
         const auto copies = there.links.find(bareContent(contentOf(task)));
@@ -165,44 +185,61 @@ private:
         std::set<std::optional<base::Day>> ofOpenTasks;
     };
 
-    // What has been asked of a day.
+    struct Candidate {
+        Found task;
+        Beginning beginning;
+        bool isInLinks = false;
+    };
+    // A day that has been asked for.
     struct OfDay {
-        std::map<char32_t, bool> characters;           // whether a task may begin with it
+        std::vector<Candidate> tasks;
         std::unordered_map<std::string, Links> links;  // by bare content
     };
 
-    // Whether the day may hold a task that begins so; if it may, its `links` are filled with those.
-    bool mayHold(OfDay& there, std::chrono::sys_days day, char32_t first) const {
-        const auto [known, isNew] = there.characters.try_emplace(first, false);
-        if (!isNew) {
-            return known->second;
-        }
-        const std::pair<std::chrono::sys_days, const Note*> from{day, nullptr};
-        for (auto at = std::lower_bound(_notes.begin(), _notes.end(), from);
-             at != _notes.end() && at->first == day; ++at) {
-            for (const Line& line : at->second->lines) {
-                const Found task{at->second, &line};
-                const char32_t own = firstCharacter(behindBox(task));
-                if (own == first || own == anyCharacter || first == anyCharacter) {
-                    known->second = true;
-                    Links& links = there.links[bareContent(contentOf(task))];
-                    const auto link = backLinkDay(at->second->textOf(line));
-                    links.ofTasks.insert(link);
-                    if (line.line.type == TodoType::open) {
-                        links.ofOpenTasks.insert(link);
-                    }
+    OfDay& ofDay(std::chrono::sys_days day) {
+        const auto [there, isNew] = _days.try_emplace(day.time_since_epoch().count());
+        if (isNew) {
+            const std::pair<std::chrono::sys_days, const Note*> from{day, nullptr};
+            for (auto at = std::lower_bound(_notes.begin(), _notes.end(), from);
+                 at != _notes.end() && at->first == day; ++at) {
+                for (const DayTaskLine& line : at->second->lines) {
+                    const Found task{at->second, &line};
+                    there->second.tasks.push_back({task, Beginning(behindBox(task))});
                 }
             }
         }
-        return known->second;
+        return there->second;
+    }
+
+    // Whether the day may hold a task that begins so; if it may, its `links` are filled with those.
+    static bool mayHold(OfDay& there, const Beginning& beginning) {
+        bool found = false;
+        for (Candidate& task : there.tasks) {
+            if (task.beginning.agreesWith(beginning)) {
+                found = true;
+                if (!std::exchange(task.isInLinks, true)) {
+                    addLink(there, task.task);
+                }
+            }
+        }
+        return found;
+    }
+
+    static void addLink(OfDay& there, const Found& task) {
+        Links& links = there.links[bareContent(contentOf(task))];
+        const auto link = backLinkDay(task.line->text);
+        links.ofTasks.insert(link);
+        if (task.line->line.type == TodoType::open) {
+            links.ofOpenTasks.insert(link);
+        }
     }
 
     static std::string_view behindBox(const Found& task) {
-        return task.note->textOf(*task.line).substr(task.line->line.contentStart);
+        return task.line->text.substr(task.line->line.contentStart);
     }
 
     static std::string_view contentOf(const Found& task) {
-        return grammar::contentOf(task.note->textOf(*task.line), task.line->line);
+        return grammar::contentOf(task.line->text, task.line->line);
     }
 
     std::vector<std::pair<std::chrono::sys_days, const Note*>> _notes;  // of days, in order
@@ -272,8 +309,8 @@ OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
 // By planned day, then by file and line, whatever order the notes were read in.
 std::vector<NoteTask> DayTasks::inOrder(std::vector<Found> tasks, std::size_t most) {
     const auto place = [](const Found& task) {
-        return std::tuple(plannedDay(task), base::folderName(task.note->type),
-                          std::string_view(task.note->filename), task.line->index);
+        return std::tuple(plannedDay(task), base::folderName(task.note->type), task.note->filename,
+                          task.line->index);
     };
     const std::size_t count = std::min(most, tasks.size());
     std::partial_sort(tasks.begin(), tasks.begin() + static_cast<std::ptrdiff_t>(count),
@@ -292,13 +329,13 @@ std::optional<base::Day> DayTasks::plannedDay(const Found& task) {
 
 NoteTask DayTasks::recordOf(const Found& found) {
     const Note& note = *found.note;
-    const Line& line = *found.line;
-    const std::string_view text = note.textOf(line);
+    const DayTaskLine& line = *found.line;
     std::vector<grammar::Mark> marks;
-    grammar::findMarks(text, marks);
-    NoteTask task{note.type, note.filename, note.day,
-                  grammar::TodoHelper::todoOf({line.index, 0, text, line.line, marks}, note.day),
-                  plannedDay(found)};
+    grammar::findMarks(line.text, marks);
+    NoteTask task{
+        note.type, std::string(note.filename), note.day,
+        grammar::TodoHelper::todoOf({line.index, 0, line.text, line.line, marks}, note.day),
+        plannedDay(found)};
     task.todo.title = note.title;
     task.todo.filename = joined(base::folderName(note.type), note.filename);
     return task;

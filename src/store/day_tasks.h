@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <memory_resource>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "base/note_type.h"
 #include "grammar/line_scanner.h"
 #include "grammar/todo.h"
+#include "store/day_task_lines.h"
 
 namespace tessaly::store {
 
@@ -52,6 +55,14 @@ public:
              const grammar::MarkerSettings& settings, grammar::NoteScanner& scanner);
     void join(DayTasks&& other);
 
+    /// What `add` would take of a note, to be kept and taken later: the same settings of markers
+    /// must then hold. Empty: nothing.
+    static std::string record(base::NoteType type, std::string_view filename,
+                              std::string_view bytes, const grammar::MarkerSettings& settings,
+                              grammar::NoteScanner& scanner);
+    /// Adds the tasks of one note by its record. False: that is none, and nothing was added.
+    bool addRecord(base::NoteType type, std::string_view filename, std::string_view record);
+
     /// The tasks of that day's own note, in line order, of every state.
     std::vector<NoteTask> ofNote(base::Day day) const;
 
@@ -73,32 +84,23 @@ public:
     OverdueTasks overdue(base::Day today, std::size_t most = everyTask) const;
 
 private:
-    struct Line {
-        std::uint32_t start = 0;  // in the note's `text`
-        std::uint32_t length = 0;
-        std::uint32_t index = 0;
-        grammar::LineClass line;
-        std::optional<base::Day> scheduledTo;
-    };
     // Tasks are kept as found, a note's together, and made into records when asked for: most are
     // never shown.
     struct Note {
         base::NoteType type = base::NoteType::none;
-        std::string filename;
-        std::string title;
+        std::string_view filename;
+        std::string_view title;
         std::optional<base::Day> day;
-        std::string text;  // of the lines, one behind the other
-        std::vector<Line> lines;
-
-        std::string_view textOf(const Line& line) const {
-            return std::string_view(text).substr(line.start, line.length);
-        }
+        std::span<const DayTaskLine> lines;
     };
     struct Found {
         const Note* note;
-        const Line* line;
+        const DayTaskLine* line;
     };
     class Copies;
+
+    void keep(base::NoteType type, std::string_view filename, const DayTaskLines& found);
+    std::string_view kept(std::string_view text);
 
     template <class Visit>
     void eachTask(Visit visit) const;
@@ -107,7 +109,10 @@ private:
     static NoteTask recordOf(const Found& found);
     static std::vector<NoteTask> inOrder(std::vector<Found> tasks, std::size_t most);
 
-    std::vector<std::unique_ptr<const Note>> _notes;  // those that hold such tasks, in no order
+    using Memory = std::pmr::monotonic_buffer_resource;
+    std::vector<std::unique_ptr<Memory>> _memory;  // that the notes lie in; new ones in the first
+    std::vector<Note> _notes;                      // those that hold such tasks, in no order
+    DayTaskLines _found;                           // of the note that is being added
 };
 
 }  // namespace tessaly::store

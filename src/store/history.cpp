@@ -101,6 +101,26 @@ Result<Done> History::keepNew(const std::string& file, std::string_view bytes, C
                  : index.failure();
 }
 
+Result<Done> History::keepHeld(const std::string& file, std::string_view bytes,
+                               base::Instant until) {
+    const auto lock = _tools.locks.take(_folder);
+    if (!lock) {
+        return lock.failure();
+    }
+    const auto index = readIndex();
+    if (!index) {
+        return index.failure();
+    }
+    HistoryEntry entry = entryOf(file, bytes, ChangeCause::held);
+    entry.time = std::min(entry.time, until);
+    const auto entries = newestOf(index->bytes, file, index->bytes.size());
+    const bool isKept = std::any_of(entries.begin(), entries.end(), [&](const HistoryEntry& kept) {
+        return hasBytesOf(kept, entry);
+    });
+    return isKept && _texts.holds(entry.hash, bytes) ? Done{}
+                                                     : add(*index, entry, bytes, Durability::later);
+}
+
 // The text comes first, so that no entry is without one.
 Result<Done> History::add(const FileContents& index, const HistoryEntry& entry,
                           std::string_view bytes, Durability durability) {

@@ -56,6 +56,11 @@ public:
     base::Result<base::Done> keepNew(const std::string& file, std::string_view bytes,
                                      ChangeCause cause);
 
+    /// Keeps bytes that `file` held until `until`, unless an entry of it has them: a program that
+    /// watches has seen them there. They are listed as of that time, behind those kept before.
+    base::Result<base::Done> keepHeld(const std::string& file, std::string_view bytes,
+                                      base::Instant until);
+
     /// Newest first; those of one file when `file` is given. No history: no entries.
     base::Result<std::vector<HistoryEntry>> entries(
         const std::optional<std::string>& file = std::nullopt) const;

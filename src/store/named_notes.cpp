@@ -37,7 +37,7 @@ std::vector<NamedNote> namesOf(const CloudBatch& batch) {
     for (const CloudNote& note : batch.notes) {
         const std::string_view filename = filenameOf(note, batch.root);
         if (isCached(note.base, filename)) {
-            names.push_back({note.base, std::string(filename), seenOf(note)});
+            names.push_back({note.base, std::string(filename), seenOf(note), note.hasConflicts});
         }
     }
     return names;

@@ -19,6 +19,7 @@ struct NamedNote {
     /// it is otherwise since, that will be named, too. What a file holds is looked at.
     enum class Seen { somehow, gone, folder };
     Seen seen = Seen::somehow;
+    bool hasConflicts = false;  ///< as of a `CloudNote`
 };
 
 /// The collections as they are at one time.

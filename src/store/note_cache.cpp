@@ -51,7 +51,9 @@ void NoteCache::loadAll(const LoadOptions& options) {
     NoteReader::Options reading;
     reading.progress = options.progress;
     reading.cancelled = options.cancelled;
-    LoadedNotes notes = loadNotes(_tools.store, _tools.executor, _settings, std::move(reading));
+    const auto index = _tools.index ? _tools.index() : nullptr;
+    LoadedNotes notes =
+        loadNotes(_tools.store, _tools.executor, _settings, std::move(reading), index);
     if (notes.report.cancelled) {
         setCalendarNotes(shared(CalendarNotes()));  // only a first load is cancelled
         return;
@@ -62,8 +64,13 @@ void NoteCache::loadAll(const LoadOptions& options) {
     _strays.set(shared(std::move(notes.strays)));
     _report.set(shared(std::move(notes.report)));
     _areNoteTasksCounted = false;
+    _earlier = EarlierTexts();
+    _inConflict.clear();
     semaphore.enter([this] { countNoteTasks(); });
     finishLoading();
+    if (index) {
+        handOver(differingTexts(*index));
+    }
 }
 
 void NoteCache::showNextDays() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,7 @@
 #include "store/cached_notes.h"
 #include "store/cloud_note.h"
 #include "store/data_store.h"
+#include "store/earlier_texts.h"
 #include "store/note_model.h"
 #include "store/note_reader.h"
 #include "store/note_task_counts.h"
@@ -82,6 +84,12 @@ public:
         ports::Clock& clock;
         std::function<CountSettings()> countSettings;  ///< asked before each piece of work
         RepeatHook onRepeat;                           ///< may be empty
+        /// Asked before files are read; may be empty or give nothing. Any thread.
+        std::function<std::shared_ptr<const NoteIndex>()> index = {};
+        /// Takes texts that notes held before others changed them, once they are in conflict, so
+        /// that they are not forgotten; may be empty. On the thread that does the work, outside
+        /// every queue.
+        std::function<void(const std::vector<HeldTexts>& held)> onConflict = {};
     };
 
     explicit NoteCache(Tools tools);
@@ -165,6 +173,10 @@ private:
     std::shared_ptr<const CalendarNotes> recounted(const CalendarNotes& notes) const;
     std::shared_ptr<const GeneralNotes> recounted(const GeneralNotes& notes) const;
     void dispatchRepeats(NoteUpdate& update);
+    std::vector<NamedNote> conflictsAmong(const std::vector<NamedNote>& names) const;
+    void rememberTexts(const NoteUpdate& update, const std::vector<NamedNote>& names);
+    void handOver(std::vector<HeldTexts> held) const;
+    std::vector<HeldTexts> differingTexts(const NoteIndex& index) const;
     void publish(const NoteUpdate& update);
     void finishLoading();
     void tell(const CacheChanges& changes);
@@ -205,6 +217,8 @@ private:
     NoteTaskCounts _noteTasks;
     bool _areNoteTasksCounted = false;
     ChangedTasks _uncounted;  ///< since `_noteTasks` was brought up to date
+    EarlierTexts _earlier;
+    std::set<NoteUpdate::NoteId> _inConflict;  ///< as the batches told
 
     base::Gate semaphore;  ///< the last member: its end waits for the work in hand
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -8,6 +10,7 @@
 #include "base/log.h"
 #include "store/named_notes.h"
 #include "store/note_cache.h"
+#include "store/note_document.h"
 #include "store/paths.h"
 
 namespace tessaly::store {
@@ -115,6 +118,7 @@ void NoteCache::update(std::vector<NamedNote> names, CloudBatch::Kind kind) {
     recountIfNeeded();
     NoteUpdate update({_tools.store, _tools.executor, _settings, _root},
                       {_generalNotes.get(), _calendarNotes.get(), _strays.get()});
+    const std::vector<NamedNote> ofConflicts = conflictsAmong(names);
     if (isAll) {
         update.lookAtAll(std::move(names));
     } else {
@@ -123,6 +127,7 @@ void NoteCache::update(std::vector<NamedNote> names, CloudBatch::Kind kind) {
         dispatchRepeats(update);
     }
     publish(update);
+    rememberTexts(update, ofConflicts);
     _uncounted.add(update.changedTasks());
     if (!_uncounted.empty()) {
         semaphore.enter([this] { countNoteTasks(); });
@@ -142,6 +147,73 @@ void NoteCache::dispatchRepeats(NoteUpdate& update) {
     if (!changed.empty()) {
         update.lookAt(std::move(changed), Expected::changed);
     }
+}
+
+/// Those that are in conflict, or were.
+std::vector<NamedNote> NoteCache::conflictsAmong(const std::vector<NamedNote>& names) const {
+    std::vector<NamedNote> found;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(found), [this](const auto& name) {
+        return name.hasConflicts || _inConflict.contains({name.type, name.filename});
+    });
+    return found;
+}
+
+// What others changed may turn out to have been changed elsewhere at the same time.
+void NoteCache::rememberTexts(const NoteUpdate& update, const std::vector<NamedNote>& names) {
+    if (!_tools.onConflict) {
+        return;
+    }
+    const base::Instant now = _tools.clock.now();
+    std::map<NoteUpdate::NoteId, base::SharedText> before;
+    for (auto& [note, text] : update.textsBefore()) {
+        _earlier.remember(note.first, note.second, text, now);
+        before.emplace(note, text);
+    }
+    std::vector<HeldTexts> held;
+    for (const NamedNote& name : names) {
+        const NoteUpdate::NoteId note(name.type, name.filename);
+        if (!name.hasConflicts) {
+            _inConflict.erase(note);
+            continue;
+        }
+        HeldTexts texts{name.type, name.filename, _earlier.take(name.type, name.filename)};
+        const auto last = before.find(note);
+        // In the middle of a burst it was not remembered.
+        if (_inConflict.insert(note).second && last != before.end() &&
+            (texts.texts.empty() || texts.texts.back().text.view() != last->second.view())) {
+            texts.texts.push_back({last->second, now});
+        }
+        held.push_back(std::move(texts));
+    }
+    handOver(std::move(held));
+}
+
+void NoteCache::handOver(std::vector<HeldTexts> held) const {
+    std::erase_if(held, [](const HeldTexts& texts) { return texts.texts.empty(); });
+    if (_tools.onConflict && !held.empty()) {
+        _tools.onConflict(held);
+    }
+}
+
+// What the index holds of a note was read before this program was started.
+std::vector<HeldTexts> NoteCache::differingTexts(const NoteIndex& index) const {
+    std::vector<HeldTexts> held;
+    std::set<std::string_view> originals;
+    for (const ConflictCopy& copy : _report.get()->conflictCopies) {
+        const std::size_t slash = copy.original.find('/');
+        const NoteType type = base::noteTypeOfFolder(copy.original.substr(0, slash));
+        if (slash == std::string::npos || !originals.insert(copy.original).second) {
+            continue;
+        }
+        const std::string filename = copy.original.substr(slash + 1);
+        const auto earlier = index.earlierBytes(type, filename);
+        const auto known = knownText(type, filename);
+        const auto text = earlier ? decodedText(*earlier) : std::nullopt;
+        if (text && !text->empty() && (!known || known->text.view() != *text)) {
+            held.push_back({type, filename, {{base::SharedText(std::string(*text)), {}}}});
+        }
+    }
+    return held;
 }
 
 void NoteCache::publish(const NoteUpdate& update) {

@@ -99,7 +99,8 @@ ReadReport NoteCache::visit(const NoteReader::Options& options,
     if (_initialUpdateDone && areInMemory(options.types)) {
         return visitMemory(options, visit);
     }
-    return NoteReader(_tools.store, _tools.executor).readAll(options, visit);
+    auto index = _tools.index ? _tools.index() : nullptr;
+    return NoteReader(_tools.store, _tools.executor, std::move(index)).readAll(options, visit);
 }
 
 ReadReport NoteCache::visitMemory(const NoteReader::Options& options,

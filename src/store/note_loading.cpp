@@ -109,8 +109,9 @@ TagCounts joinedTags(std::vector<Part>& parts, TagTally Part::*tags) {
 }  // namespace
 
 LoadedNotes loadNotes(const DataStore& store, base::Executor& executor,
-                      const CountSettings& settings, NoteReader::Options options) {
-    NoteReader reader(store, executor);
+                      const CountSettings& settings, NoteReader::Options options,
+                      std::shared_ptr<const NoteIndex> index) {
+    NoteReader reader(store, executor, std::move(index));
     std::vector<Part> parts(reader.workers());
     options.types = {base::NoteType::calendar, base::NoteType::note};
     options.visitFolder = [&, told = std::move(options.visitFolder)](

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,7 @@
 #include "ports/file_system.h"
 #include "store/data_store.h"
 #include "store/foreign_names.h"
+#include "store/note_index.h"
 
 namespace tessaly::store {
 
@@ -24,6 +27,9 @@ struct NoteFile {
     std::string_view filename;  ///< relative to the kind's folder
     std::string_view bytes;     ///< as on disk
     const ports::FileStamp& stamp;
+    /// What the start-up index keeps of it, instead of `bytes`, which then are none; given only
+    /// where that is wanted.
+    std::optional<std::string_view> record = std::nullopt;
 };
 
 /// A file or folder that was passed over, and why, in words for the user.
@@ -35,7 +41,8 @@ struct SkippedFile {
 /// A version of a note that a sync client has set aside under a name of its own.
 struct ConflictCopy {
     std::string path;      ///< relative to the data folder
-    std::string original;  ///< of the note in the same folder that it is a version of, likewise
+    std::string original;  ///< of the note in the same folder that it is a version of, likewise;
+                           ///< this may be missing
     std::string device;    ///< may be empty
     DeviceOf deviceOf;
     std::string_view client;
@@ -43,7 +50,8 @@ struct ConflictCopy {
 
 /// What a reading of many notes came to.
 struct ReadReport {
-    std::size_t files = 0;  ///< read
+    std::size_t files = 0;      ///< read
+    std::size_t fromIndex = 0;  ///< of these, how many the start-up index knew
     std::uint64_t bytes = 0;
     std::vector<SkippedFile> skipped;          ///< by path
     std::vector<ConflictCopy> conflictCopies;  ///< by path
@@ -66,12 +74,19 @@ public:
     using VisitFolder =
         std::function<void(std::size_t worker, base::NoteType type, std::string_view folder)>;
 
-    NoteReader(const DataStore& store, base::Executor& executor);
+    /// With an index, files that it knows are only looked at, and not opened.
+    NoteReader(const DataStore& store, base::Executor& executor,
+               std::shared_ptr<const NoteIndex> index = nullptr);
 
     std::size_t workers() const;
 
+    /// What is to be known of a note: its text, or what `DayTasks` takes of it, which may be had
+    /// without its text.
+    enum class Wanted { text, dayTasks };
+
     struct Options {
         std::vector<base::NoteType> types{base::NoteType::calendar, base::NoteType::note};
+        Wanted wanted = Wanted::text;
         VisitFolder visitFolder;                       ///< sub-folders of the kinds; may be empty
         Progress progress;                             ///< may be empty
         const std::atomic<bool>* cancelled = nullptr;  ///< asked between files
@@ -83,7 +98,8 @@ public:
     /// placeholders of notes that a sync client has not downloaded are in the report.
     ///
     /// A conflict copy whose original is a note in the same folder is not delivered but reported;
-    /// without its original it is a note like any other. A kind whose folder is not there has no
+    /// without its original it is a note like any other, or, where its own name is no note's, is
+    /// reported all the same. A kind whose folder is not there has no
     /// notes. A calendar note in a sub-folder, or with a name that is no day, is delivered all the
     /// same.
     ReadReport readAll(const Options& options, const Visit& visit);
@@ -91,6 +107,7 @@ public:
 private:
     const DataStore& _store;
     base::Executor& _executor;
+    const std::shared_ptr<const NoteIndex> _index;
 };
 
 }  // namespace tessaly::store

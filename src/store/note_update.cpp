@@ -325,6 +325,29 @@ std::vector<NoteUpdate::NoteId> NoteUpdate::changedNotes() const {
     return changed;
 }
 
+std::vector<NoteUpdate::TextBefore> NoteUpdate::textsBefore() const {
+    std::vector<TextBefore> texts;
+    const auto add = [&texts](NoteType type, const std::string& filename,
+                              const base::SharedText& before, std::string_view after) {
+        if (!before.view().empty() && before.view() != after) {
+            texts.push_back({{type, filename}, before});
+        }
+    };
+    for (const auto& [day, change] : _days) {
+        if (change.before) {
+            add(NoteType::calendar, calendarFilename(day), change.before->content,
+                change.after ? change.after->content.view() : "");
+        }
+    }
+    for (const auto& [filename, change] : _generalNotes) {
+        if (change.before) {
+            add(NoteType::note, filename, change.before->note.content,
+                change.after ? change.after->note.content.view() : "");
+        }
+    }
+    return texts;
+}
+
 bool NoteUpdate::isStrayChanged(const std::string& filename) const {
     const auto before = _before.strays->find(filename);
     const auto after = _strays->find(filename);

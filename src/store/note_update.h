@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/executor.h"
+#include "base/shared_text.h"
 #include "store/cached_notes.h"
 #include "store/changed_files.h"
 #include "store/data_store.h"
@@ -54,6 +55,13 @@ public:
     /// A note that came, went or changed in content or date.
     using NoteId = std::pair<base::NoteType, std::string>;
     std::vector<NoteId> changedNotes() const;
+
+    /// What a note held whose content has changed, or which is gone; never empty.
+    struct TextBefore {
+        NoteId note;
+        base::SharedText text;
+    };
+    std::vector<TextBefore> textsBefore() const;
 
     /// What became of the collections; each null: nothing.
     std::vector<GeneralNotes::Change> generalChanges() const;

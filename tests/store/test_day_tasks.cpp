@@ -23,11 +23,33 @@ struct NoteRow {
 
 constexpr base::Day today = 2019y / May / 21;
 
-void addTo(DayTasks& tasks, const NoteRow& note) {
-    grammar::NoteScanner scanner;
+/// How a note comes to its set.
+enum class By { text, record };
+
+struct Place {
+    NoteType type;
+    std::string filename;
+};
+
+Place placeOf(const NoteRow& note) {
     const std::size_t slash = note.path.find('/');
-    tasks.add(base::noteTypeOfFolder(note.path.substr(0, slash)), note.path.substr(slash + 1),
-              note.text, {}, scanner);
+    return {base::noteTypeOfFolder(note.path.substr(0, slash)), note.path.substr(slash + 1)};
+}
+
+std::string recordOf(const NoteRow& note) {
+    grammar::NoteScanner scanner;
+    const Place place = placeOf(note);
+    return DayTasks::record(place.type, place.filename, note.text, {}, scanner);
+}
+
+void addTo(DayTasks& tasks, const NoteRow& note, By by = By::text) {
+    grammar::NoteScanner scanner;
+    const auto [type, filename] = placeOf(note);
+    if (by == By::text) {
+        tasks.add(type, filename, note.text, {}, scanner);
+    } else {
+        CHECK(tasks.addRecord(type, filename, recordOf(note)));
+    }
 }
 
 std::string printed(const std::vector<store::NoteTask>& tasks) {
@@ -45,11 +67,14 @@ std::string answers(const DayTasks& tasks) {
 }
 
 void check(const std::vector<NoteRow>& notes, const std::string& expected) {
-    DayTasks tasks;
-    for (const NoteRow& note : notes) {
-        addTo(tasks, note);
+    for (const By by : {By::text, By::record}) {
+        CAPTURE(by);
+        DayTasks tasks;
+        for (const NoteRow& note : notes) {
+            addTo(tasks, note, by);
+        }
+        CHECK(answers(tasks) == expected);
     }
-    CHECK(answers(tasks) == expected);
 }
 
 }  // namespace
@@ -199,10 +224,44 @@ TEST_CASE("the order of notes and the way they are joined do not matter") {
         std::shuffle(notes.begin(), notes.end(), random);
         std::vector<DayTasks> parts(3);
         for (const NoteRow& note : notes) {
-            addTo(parts[random() % parts.size()], note);
+            addTo(parts[random() % parts.size()], note, random() % 2 ? By::text : By::record);
         }
         parts[1].join(std::move(parts[2]));
         parts[0].join(std::move(parts[1]));
         CHECK(answers(parts[0]) == expected);
     }
+}
+
+TEST_CASE("a record of tasks is read whole or not at all, whatever bytes it holds") {
+    const std::vector<NoteRow> notes{
+        {"Calendar/20190521.txt",
+         "# Day\n* open\n\t* [x] done @done(2019-05-21)\n* [>] >2019-05-25"},
+        {"Notes/a.txt", "# Title\n" + std::string(300, '\n') +
+                            "\t\t- [ ] t\xC3\xA4sk >0001-01-01\n* >9999-12-31 " +
+                            std::string(200, 'x')}};
+    std::mt19937 random(3);
+    int read = 0;
+    for (const NoteRow& note : notes) {
+        const std::string whole = recordOf(note);
+        const auto [type, filename] = placeOf(note);
+        for (std::size_t length = 1; length < whole.size(); ++length) {
+            DayTasks tasks;
+            CHECK_FALSE(tasks.addRecord(type, filename, whole.substr(0, length)));
+            CHECK_FALSE(tasks.addRecord(type, filename, whole.substr(length)));
+            CHECK(tasks.overdue(9999y / December / 31).total == 0);
+        }
+        for (int round = 0; round < 20000; ++round) {
+            std::string bytes = whole;
+            for (auto changes = random() % 3 + 1; changes > 0; --changes) {
+                bytes[random() % bytes.size()] = static_cast<char>(random());
+            }
+            DayTasks tasks;
+            read += tasks.addRecord(type, filename, bytes) ? 1 : 0;
+            answers(tasks);
+        }
+    }
+    CHECK(read > 0);
+    // A task of a general note is one of a day by its schedule tag alone.
+    CHECK_FALSE(DayTasks().addRecord(NoteType::note, "20190521.txt", recordOf(notes[0])));
+    CHECK(DayTasks().addRecord(NoteType::calendar, "20190521.txt", recordOf(notes[1])));
 }

@@ -267,6 +267,11 @@ TEST_CASE("conflict copies beside their originals are reported, not delivered") 
              std::string("Notes/sub/Cloudy.txt.nextcloud"),
              std::string("Notes/sub/bad \xE9.txt"),
              std::string("Notes/sub/bad \xE9 (conflicted).txt"),
+             // No notes by their own names, so that nobody would see them.
+             std::string("Notes/Both.md..path1"),
+             std::string("Notes/Both.conflict1.md..path2"),
+             std::string("Notes/sub/Plans.txt.conflicted"),
+             std::string("Notes/photo.png..path1"),
          }) {
         folder.write("data/" + name, "");
     }
@@ -286,9 +291,12 @@ TEST_CASE("conflict copies beside their originals are reported, not delivered") 
         CHECK(copies ==
               "Calendar/20190305.sync-conflict-20190306-101010-ABCDEFG.txt"
               " | Calendar/20190305.txt | ABCDEFG | Syncthing\n"
+              "Notes/Both.conflict1.md..path2 | Notes/Both.md |  | rclone\n"
+              "Notes/Both.md..path1 | Notes/Both.md |  | rclone\n"
               "Notes/Cafe\xCC\x81 (conflicted).md | Notes/Caf\xC3\xA9.md |  | pCloud\n"
               "Notes/Plans (Ann's conflicted copy 2019-03-06).txt"
-              " | Notes/Plans.txt | Ann | Dropbox\n");
+              " | Notes/Plans.txt | Ann | Dropbox\n"
+              "Notes/sub/Plans.txt.conflicted | Notes/sub/Plans.txt |  | pCloud\n");
         CHECK(reading.report.temporaries == std::vector<std::string>{"Notes/" + temporary});
         CHECK(reading.skipped == Lines{"Notes/sub/Cloudy.txt.nextcloud",
                                        "Notes/sub/bad \xEF\xBF\xBD (conflicted).txt",

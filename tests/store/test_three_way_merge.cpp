@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
-#include <map>
-#include <random>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include <doctest/doctest.h>
 
-#include "store/line_diff.h"
+#include "random_texts.h"
 #include "store/three_way_merge.h"
 
 using namespace tessaly;
+using namespace tessaly::tests;
 using store::threeWayMerge;
 
 namespace {
@@ -24,60 +22,10 @@ void check(std::string_view base, std::string_view mine, std::string_view theirs
     CHECK(threeWayMerge(base, mine, theirs) == expected);
 }
 
-using Counts = std::map<std::string, int>;
-
-/// How often each line occurs; the tags of a task may stand in any order.
-Counts lineCounts(std::string_view text) {
-    Counts counts;
-    std::vector<std::string_view> lines = store::linesOfText(text);
-    if (lines.back().empty()) {
-        lines.pop_back();
-    }
-    for (const std::string_view line : lines) {
-        std::string sorted(line);
-        if (line.starts_with("* ")) {
-            std::sort(sorted.begin(), sorted.end());
-        }
-        ++counts[sorted];
-    }
-    return counts;
-}
-
-class Random {
-public:
-    explicit Random(unsigned seed) : _engine(seed) {}
-
-    std::size_t below(std::size_t end) { return _engine() % end; }
-    std::string oneOf(const std::vector<std::string>& choices) {
-        return choices[below(choices.size())];
-    }
-    std::string text(const std::vector<std::string>& alphabet) {
-        std::string text;
-        for (std::size_t left = below(9); left > 0; --left) {
-            text += oneOf(alphabet) + (left == 1 && below(2) == 0 ? "" : "\n");
-        }
-        return text;
-    }
-
-private:
-    std::mt19937 _engine;
-};
-
 const std::vector<std::string> prose{"a", "b", "c", "", "d\r", "\xE9"};
 const std::vector<std::string> tasks{
     "* Call", "* [x] Call",    "* Call #a", "* Call >2019-05-21", "* [-] Call #b", "* Call Bob",
     "* Mail", "* [x] Mail #a", "Call"};
-
-/// Every line that a side has more often than the base is in the result at least as much more
-/// often than nowhere.
-void requireNoLineLost(const Counts& base, const Counts& side, const Counts& result) {
-    for (const auto& [line, count] : side) {
-        const auto before = base.find(line);
-        const auto after = result.find(line);
-        REQUIRE((after == result.end() ? 0 : after->second) >=
-                count - (before == base.end() ? 0 : before->second));
-    }
-}
 
 }  // namespace
 
