@@ -23,24 +23,38 @@ struct Reading {
     store::ReadReport report;
 };
 
-void addNote(Gathered& gathered, const store::NoteFile& file,
+// The text of a note whose record in the index is none.
+std::string bytesOf(Services& services, const store::NoteFile& file) {
+    const auto path = services.dataStore().pathOf(file.type, file.filename);
+    auto contents = path ? services.ports().files.read(*path)
+                         : base::Result<ports::FileContents>(path.failure());
+    return contents ? (*std::move(contents)).bytes : std::string();
+}
+
+void addNote(Services& services, Gathered& gathered, const store::NoteFile& file,
              const grammar::MarkerSettings& markers) {
     if (file.type == base::NoteType::calendar) {
         if (const auto day = store::dayOfCalendarFilename(file.filename)) {
             gathered.noteDays.push_back(*day);
         }
     }
-    gathered.tasks.add(file.type, file.filename, file.bytes, markers, gathered.scanner);
+    if (!file.record) {
+        gathered.tasks.add(file.type, file.filename, file.bytes, markers, gathered.scanner);
+    } else if (!gathered.tasks.addRecord(file.type, file.filename, *file.record)) {
+        gathered.tasks.add(file.type, file.filename, bytesOf(services, file), markers,
+                           gathered.scanner);
+    }
 }
 
 Reading readTasks(Services& services, store::NoteReader::Options options) {
     options.types = {base::NoteType::calendar, base::NoteType::note};
+    options.wanted = store::NoteReader::Wanted::dayTasks;
     const grammar::MarkerSettings markers = services.markerSettings();
     const store::NoteCache& cache = services.noteCache();
     std::vector<Gathered> byWorker(cache.workers());
     Reading reading;
     reading.report = cache.visit(options, [&](std::size_t worker, const store::NoteFile& file) {
-        addNote(byWorker[worker], file, markers);
+        addNote(services, byWorker[worker], file, markers);
     });
     for (Gathered& gathered : byWorker) {
         reading.all.tasks.join(std::move(gathered.tasks));

@@ -5,7 +5,10 @@
 
 #include <fmt/format.h>
 
+#include "app/examine_clouds.h"
+#include "app/examine_index.h"
 #include "app/examine_notes.h"
+#include "app/examine_watching.h"
 #include "app/findings.h"
 #include "app/start_up.h"
 #include "base/failure.h"
@@ -89,8 +92,10 @@ void examineStartUp(Findings& findings) {
 std::vector<Finding> examine(Services& services, store::NoteReader::Options options) {
     Findings findings;
     examineRoot(services, findings);
+    examineClouds(services, findings);
     examineSettings(services, findings);
-    examineNotes(services, std::move(options), findings);
+    examineWatching(services, examineNotes(services, std::move(options), findings), findings);
+    examineIndex(services, findings);
     examineStartUp(findings);
     return findings.take();
 }

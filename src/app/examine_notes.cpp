@@ -7,9 +7,11 @@
 
 #include <fmt/format.h>
 
+#include "app/back_links.h"
 #include "base/localisation.h"
 #include "store/note_document.h"
 #include "store/note_names.h"
+#include "store/paths.h"
 #include "store/stray_notes.h"
 
 namespace tessaly::app {
@@ -25,8 +27,10 @@ struct Seen {
     std::size_t calendarNotes = 0;
     std::size_t generalNotes = 0;
     std::array<std::vector<Finding>, doubts> findings;
+    BackLinks links;
+    std::vector<std::string> folders;
 
-    void add(const store::NoteFile& file);
+    void add(const store::NoteFile& file, const grammar::MarkerSettings& markers);
     void join(Seen&& other);
 };
 
@@ -35,12 +39,14 @@ std::string strayText(base::Day day) {
                        base::tagText(day));
 }
 
-void Seen::add(const store::NoteFile& file) {
+void Seen::add(const store::NoteFile& file, const grammar::MarkerSettings& markers) {
     const bool isCalendar = file.type == base::NoteType::calendar;
     ++(isCalendar ? calendarNotes : generalNotes);
     const std::string path =
         std::string{base::folderName(file.type)}.append("/").append(file.filename);
-    if (!store::decodedText(file.bytes)) {
+    const bool isText = store::decodedText(file.bytes).has_value();
+    links.add(file, isText, markers);
+    if (!isText) {
         findings[notUtf8].push_back(
             {Level::warning, "notUtf8", base::tr("Not UTF-8; it is read as an empty note"), path});
     }
@@ -63,6 +69,8 @@ void Seen::join(Seen&& other) {
         std::move(other.findings[doubt].begin(), other.findings[doubt].end(),
                   std::back_inserter(findings[doubt]));
     }
+    links.join(std::move(other.links));
+    std::move(other.folders.begin(), other.folders.end(), std::back_inserter(folders));
 }
 
 void tellCounts(const Seen& seen, const base::LocaleFormats& formats, Findings& findings) {
@@ -91,7 +99,11 @@ std::string conflictText(const store::ConflictCopy& copy) {
 void tellConflictCopies(const store::ReadReport& report, Findings& findings) {
     std::vector<Finding> kind;
     for (const store::ConflictCopy& copy : report.conflictCopies) {
-        kind.push_back({Level::note, "conflictCopy", conflictText(copy), copy.path});
+        kind.push_back({Level::note,
+                        "conflictCopy",
+                        conflictText(copy),
+                        copy.path,
+                        {"tessaly", "conflicts", copy.original}});
     }
     findings.addKind(std::move(kind));
 }
@@ -109,6 +121,20 @@ void tellTemporaries(const store::ReadReport& report, Findings& findings) {
 // A note is passed over as malformed for its name alone; its bytes may be anything.
 bool isForItsName(const store::SkippedFile& file) {
     return file.failure.kind == base::Failure::Kind::malformed;
+}
+
+// A note in conflict may be there under its versions' names alone.
+void tellBrokenLinks(BackLinks& links, const store::ReadReport& report, Findings& findings) {
+    if (report.cancelled) {
+        return;
+    }
+    for (const store::SkippedFile& file : report.skipped) {
+        links.addUnread(file.path);
+    }
+    for (const store::ConflictCopy& copy : report.conflictCopies) {
+        links.addUnread(copy.original);
+    }
+    findings.addKind(links.broken());
 }
 
 void tellSkipped(const store::ReadReport& report, Findings& findings) {
@@ -134,13 +160,19 @@ void tellSkipped(const store::ReadReport& report, Findings& findings) {
 
 }  // namespace
 
-void examineNotes(Services& services, store::NoteReader::Options options, Findings& findings) {
+std::vector<std::string> examineNotes(Services& services, store::NoteReader::Options options,
+                                      Findings& findings) {
     options.types = {base::NoteType::calendar, base::NoteType::note};
     store::NoteReader reader(services.dataStore(), services.ports().executor);
     std::vector<Seen> byWorker(reader.workers());
+    options.visitFolder = [&byWorker](std::size_t worker, base::NoteType type,
+                                      std::string_view folder) {
+        byWorker[worker].folders.push_back(store::joined(base::folderName(type), folder));
+    };
+    const grammar::MarkerSettings markers = services.markerSettings();
     const auto report =
-        reader.readAll(options, [&byWorker](std::size_t worker, const store::NoteFile& file) {
-            byWorker[worker].add(file);
+        reader.readAll(options, [&](std::size_t worker, const store::NoteFile& file) {
+            byWorker[worker].add(file, markers);
         });
     Seen all;
     for (Seen& seen : byWorker) {
@@ -153,6 +185,8 @@ void examineNotes(Services& services, store::NoteReader::Options options, Findin
     tellConflictCopies(report, findings);
     tellTemporaries(report, findings);
     tellSkipped(report, findings);
+    tellBrokenLinks(all.links, report, findings);
+    return std::move(all.folders);
 }
 
 }  // namespace tessaly::app

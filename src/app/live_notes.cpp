@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "app/index_keeper.h"
+
 namespace tessaly::app {
 
 namespace {
@@ -75,7 +77,16 @@ void LiveNotes::tellIfReady() {
     if (_handlers.onReady) {
         _handlers.onReady();
     }
+    keepIndex();
     offer();
+}
+
+/// The notes are in memory from now on; the index is for who starts later.
+void LiveNotes::keepIndex() {
+    _services.startUpIndex().forget();
+    if (isIndexStale(*_services.noteCache().loadReport())) {
+        refreshIndexLater(_services);
+    }
 }
 
 /// Or never will be, for now.

@@ -50,6 +50,7 @@ private:
     bool isNews(store::CloudBatch::Kind kind);
     void receive(const store::CloudBatch& batch);
     void tellIfReady();
+    void keepIndex();
     bool isWatched();
     void lookAtSettings();
     void offer();

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "app/held_texts.h"
 #include "app/task_changes.h"
 
 namespace tessaly::app {
@@ -56,14 +57,28 @@ const grammar::DateStringHelper& Services::dateStrings() {
     return *_dateStrings;
 }
 
+StartUpIndex& Services::startUpIndex() {
+    if (!_startUpIndex) {
+        // What other threads ask for must be there before.
+        globals();
+        dataStore();
+        _startUpIndex = std::make_unique<StartUpIndex>(*this);
+    }
+    return *_startUpIndex;
+}
+
 store::NoteCache& Services::noteCache() {
     if (!_noteCache) {
         // What its threads ask for must be there before.
         dateStrings();
         globals();
+        history();
+        startUpIndex();
         _noteCache = std::make_unique<store::NoteCache>(store::NoteCache::Tools{
             dataStore(), _ports.executor, _ports.clock, [this] { return countSettings(); },
-            [this](const store::FinishedRepeat& found) { return finishRepeat(*this, found); }});
+            [this](const store::FinishedRepeat& found) { return finishRepeat(*this, found); },
+            [this] { return _startUpIndex->get(); },
+            [this](const auto& held) { keepHeldTexts(*this, held); }});
     }
     return *_noteCache;
 }

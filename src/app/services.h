@@ -5,12 +5,16 @@
 #include <optional>
 #include <string>
 
+#include "app/start_up_index.h"
 #include "base/executor.h"
 #include "base/locale_formats.h"
 #include "grammar/date_string_helper.h"
+#include "ports/background_job.h"
+#include "ports/cache_files.h"
 #include "ports/clock.h"
 #include "ports/cloud_container.h"
 #include "ports/cloud_downloads.h"
+#include "ports/cloud_folders.h"
 #include "ports/file_changes.h"
 #include "ports/file_system.h"
 #include "ports/folder_locks.h"
@@ -18,9 +22,11 @@
 #include "ports/metadata_query.h"
 #include "ports/questions.h"
 #include "ports/standard_folders.h"
+#include "ports/telling_stamps.h"
 #include "ports/trash.h"
 #include "ports/user_defaults.h"
 #include "ports/user_locale.h"
+#include "ports/watch_outlook.h"
 #include "settings/globals.h"
 #include "store/data_store.h"
 #include "store/history.h"
@@ -49,6 +55,12 @@ struct Ports {
     ports::MetadataQuery& cloudQuery;
     ports::MainQueue& mainQueue;
     ports::CloudDownloads& downloads;
+    ports::CacheFiles& cacheFiles;
+    ports::Clock& fileClock;  ///< the time that files are dated by, whatever `clock` tells
+    ports::TellingStamps tellingStamps;
+    ports::BackgroundJob background;
+    ports::CloudFolders cloudFolders;
+    ports::WatchOutlooks watchOutlook;
     ports::StandardFolders folders;
     ports::UserLocale locale;
     ports::DropboxAuthorised dropboxAuthorised;
@@ -75,6 +87,7 @@ public:
     /// The operations on the tasks of the data folder in use now.
     std::unique_ptr<tasks::OperationJournal> operationJournal();
     tasks::OperationRunner operationRunner(tasks::OperationJournal& journal);
+    StartUpIndex& startUpIndex();
     /// All notes; they are only held once the cache is told to load.
     store::NoteCache& noteCache();
     /// The watcher of the data folder, which does nothing until it is started.
@@ -103,6 +116,7 @@ private:
     std::unique_ptr<store::History> _history;
     std::unique_ptr<store::SafeFiles> _safeFiles;
     std::unique_ptr<store::DataStore> _dataStore;
+    std::unique_ptr<StartUpIndex> _startUpIndex;
     std::unique_ptr<store::NoteCache> _noteCache;
     std::unique_ptr<sync::CloudSync> _cloudSync;
     std::unique_ptr<sync::MigrationOffer> _migrationOffer;

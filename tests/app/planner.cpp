@@ -23,6 +23,15 @@ Planner::Planner(const User& user)
                  _query,
                  _mainQueue,
                  _downloads,
+                 _cacheFiles,
+                 _fileClock,
+                 user.tellingStamps,
+                 [this](const std::vector<std::string>& arguments) {
+                     _started.push_back(arguments);
+                     return base::Result<base::Done>(base::Done{});
+                 },
+                 [folders = user.cloudFolders] { return folders; },
+                 user.watchOutlook,
                  {_folder / "data", _folder / "config", _folder / "state", _folder / "cache"},
                  {user.locale, ""},
                  [dropbox = user.dropbox] { return dropbox; },

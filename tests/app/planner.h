@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,8 +14,10 @@
 #include "platform/fixed_clock.h"
 #include "platform/flock_folder_locks.h"
 #include "platform/json_user_defaults.h"
+#include "platform/posix_cache_files.h"
 #include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
+#include "platform/system_clock.h"
 #include "support/log_capture.h"
 #include "support/manual_main_queue.h"
 #include "support/scripted_query.h"
@@ -33,6 +36,13 @@ public:
     }
 };
 
+/// The system's time, later: the states of files written just now have lain still for long.
+class LaterClock final : public platform::SystemClock {
+public:
+    static constexpr std::chrono::hours ahead{1};
+    base::Instant now() override { return platform::SystemClock::now() + ahead; }
+};
+
 /// One user's files at one moment, with the real file system and threads below them.
 class Planner {
 public:
@@ -42,7 +52,13 @@ public:
         bool dropbox = false;
         std::optional<std::string> cloudContainer = std::nullopt;
         std::optional<std::string> dataFolder = std::nullopt;
+        std::vector<ports::CloudFolder> cloudFolders = {};
+        ports::WatchOutlooks watchOutlook = [](const auto&) { return ports::WatchOutlook{}; };
         ports::Trash trash = [](const std::string& file) { return intoFakeTrash(file); };
+        /// As on the file systems of most disks, whatever the temporary folder is on.
+        ports::TellingStamps tellingStamps = [](const std::string&) {
+            return base::Result(base::Done{});
+        };
         std::optional<std::size_t> answer = std::nullopt;  ///< to every question
         bool isTestMode = false;
         bool isThreaded = true;  ///< else all work is done where it is posted
@@ -72,6 +88,9 @@ public:
     /// What a file of the local data folder holds; "-" where there is none.
     std::string textOf(std::string_view filename) const;
 
+    /// The arguments of what was started in the background.
+    const std::vector<std::vector<std::string>>& started() const { return _started; }
+
     /// What the user was asked or told, in order.
     const std::vector<ports::Question>& questions() const { return _questions; }
 
@@ -93,6 +112,9 @@ private:
     ScriptedQuery _query;
     ManualMainQueue _mainQueue;
     NoDownloads _downloads;
+    platform::PosixCacheFiles _cacheFiles;
+    LaterClock _fileClock;
+    std::vector<std::vector<std::string>> _started;
     app::Services _services;
 };
 

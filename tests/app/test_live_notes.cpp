@@ -158,3 +158,18 @@ TEST_CASE("the offer to move the notes comes when the cloud drive is there, once
     program.pass(60s);
     CHECK(program.planner().questions().size() == 1);
 }
+
+TEST_CASE("a program that stays has the start-up index written once all is loaded") {
+    for (const int notes : {999, 1000}) {
+        CAPTURE(notes);
+        Program program;
+        for (int note = 0; note < notes; ++note) {
+            program.planner().folder().write(
+                std::string{Planner::root} + "Notes/" + std::to_string(note) + ".txt", "* Plan\n");
+        }
+        program.start();
+        program.pass(60s);
+        CHECK(program.planner().started().size() == (notes < 1000 ? 0U : 1U));
+        program.end();
+    }
+}
