@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "app/index_keeper.h"
 #include "base/localisation.h"
 #include "cli/safe_text.h"
 
@@ -44,6 +45,7 @@ void tellOfSkipped(const Context& context) {
 bool isComplete(Context& context, const store::ReadReport& report) {
     context.progress.erase();
     context.skipped += report.skipped.size();
+    context.isIndexStale = context.isIndexStale || app::isIndexStale(report);
     return !report.cancelled;
 }
 

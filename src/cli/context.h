@@ -22,7 +22,8 @@ struct Context {
     const Terminal& terminal;
     Progress& progress;
     const std::atomic<bool>& cancelled;
-    std::size_t skipped = 0;  ///< files that the reading passed over
+    std::size_t skipped = 0;    ///< files that the reading passed over
+    bool isIndexStale = false;  ///< by what the reading had to open
 
     /// For a reading of many notes: progress on the terminal, and Ctrl-C.
     store::NoteReader::Options readOptions();
@@ -37,7 +38,7 @@ Exit couldNot(Context& context, const base::Failure& failure);
 /// Tells in one line that files were passed over, if there were any.
 void tellOfSkipped(const Context& context);
 
-/// Ends a reading: takes the progress away and keeps the number of files that were passed over.
+/// Ends a reading: takes the progress away and keeps what is to be done about it at the end.
 /// False: the reading was cancelled, and there is nothing to show.
 bool isComplete(Context& context, const store::ReadReport& report);
 

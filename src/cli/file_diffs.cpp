@@ -122,14 +122,26 @@ void printDiff(Context& context, const app::FileChange& change, const std::strin
             object.add("movedFrom", *change.movedFrom);
         }
         context.out.line(object.add("diff", text).text());
-    } else if (context.terminal.isTerminal) {
+    } else {
+        printDiffText(context, text);
+    }
+}
+
+}  // namespace
+
+std::string diffBetween(Context& context, const FileText& from, const FileText& to) {
+    const std::string root = context.services.dataStore().root();
+    return store::unifiedDiff(sided('a', nameOf(from.path, root)), from.bytes,
+                              sided('b', nameOf(to.path, root)), to.bytes);
+}
+
+void printDiffText(Context& context, const std::string& text) {
+    if (context.terminal.isTerminal) {
         printInTerminal(context, text);
     } else {
         context.out.write(text);
     }
 }
-
-}  // namespace
 
 void printDiffs(Context& context, const std::vector<app::FileChange>& changes) {
     const std::string root = context.services.dataStore().root();

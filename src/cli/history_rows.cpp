@@ -42,6 +42,8 @@ constexpr std::array causeRows{
     CauseRow{ChangeCause::repeated, N_("task repeated")},
     CauseRow{ChangeCause::archived, N_("tasks archived")},
     CauseRow{ChangeCause::undone, N_("undone")},
+    CauseRow{ChangeCause::resolved, N_("conflict resolved")},
+    CauseRow{ChangeCause::held, N_("before a conflict")},
 };
 
 std::string timeOf(Context& context, const store::HistoryEntry& entry) {

@@ -147,7 +147,8 @@ JsonObject recordOf(const app::Finding& finding) {
     object.add("level", levelName(finding.level))
         .add("what", finding.what)
         .add("text", finding.text)
-        .add("path", finding.path);
+        .add("path", finding.path)
+        .add("command", finding.command);
     return object;
 }
 

@@ -25,18 +25,23 @@
 #include "cli/questions.h"
 #include "cli/read_input.h"
 #include "cli/run.h"
+#include "platform/background_process.h"
+#include "platform/cloud_folders.h"
 #include "platform/fixed_clock.h"
 #include "platform/flock_folder_locks.h"
 #include "platform/folder_cloud_container.h"
 #include "platform/gio_trash.h"
 #include "platform/glib_main_queue.h"
+#include "platform/inotify_outlook.h"
 #include "platform/inotify_query.h"
 #include "platform/json_user_defaults.h"
 #include "platform/nextcloud_downloads.h"
+#include "platform/posix_cache_files.h"
 #include "platform/posix_file_changes.h"
 #include "platform/posix_file_system.h"
 #include "platform/system_clock.h"
 #include "platform/system_locale.h"
+#include "platform/telling_stamps.h"
 #include "platform/xdg_folders.h"
 
 namespace {
@@ -150,12 +155,33 @@ cli::Exit runVerb(const cli::Invocation& invocation, const ports::UserLocale& lo
     platform::GlibMainQueue mainQueue{interruption};
     platform::NextcloudDownloads downloads{
         platform::NextcloudDownloads::socketsIn(runtimeFolder())};
+    platform::PosixCacheFiles cacheFiles;
+    platform::SystemClock fileClock;
     app::Services* shared = nullptr;  // what the cloud drive asks for its folder
-    app::Services services{{files, changes, locks, standardDefaults, groupDefaults, **clock, pool,
-                            cloudQuery, mainQueue, downloads, folders, locale, [] { return false; },
+    app::Services services{{files,
+                            changes,
+                            locks,
+                            standardDefaults,
+                            groupDefaults,
+                            **clock,
+                            pool,
+                            cloudQuery,
+                            mainQueue,
+                            downloads,
+                            cacheFiles,
+                            fileClock,
+                            platform::tellingStamps,
+                            platform::backgroundProcess(),
+                            platform::cloudFoldersOf(platform::clientHomes()),
+                            platform::inotifyOutlook(),
+                            folders,
+                            locale,
+                            [] { return false; },
                             platform::folderCloudContainer(
                                 [&shared] { return shared->globals().cloudDriveContainer(); }),
-                            platform::gioTrash(), cli::askAtTerminal, dataFolder(invocation),
+                            platform::gioTrash(),
+                            cli::askAtTerminal,
+                            dataFolder(invocation),
                             std::getenv("TEST_MODE") != nullptr}};
     shared = &services;
     services.globals();  // made here, since any thread may ask for the cloud drive's folder

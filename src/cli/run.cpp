@@ -5,10 +5,12 @@
 
 #include <fmt/format.h>
 
+#include "app/index_keeper.h"
 #include "app/sample_folder.h"
 #include "app/start_up.h"
 #include "app/usage_log.h"
 #include "base/localisation.h"
+#include "base/log.h"
 #include "cli/context.h"
 #include "cli/documents.h"
 #include "cli/help.h"
@@ -156,6 +158,7 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     if (!isForPrograms(invocation.verb) && !isNamedRootThere(services)) {
         return Exit::couldNot;
     }
+    base::setRoutineLog(invocation.has("--verbose"));
     const app::UsageLog usage;  // off: a sink is for those who want to know
     app::startUp(services, usage);
     settle(services, invocation);
@@ -171,6 +174,9 @@ Exit run(app::Services& services, const Invocation& invocation, Output& out,
     if (out.flush() && !isToldFirst) {
         tellOfSkipped(context);
         tellOfCircumstances(context);
+    }
+    if (context.isIndexStale) {
+        app::refreshIndexLater(services);
     }
     usage.record(app::UsageEvent::exit);
     return exit;

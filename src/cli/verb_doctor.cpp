@@ -9,6 +9,7 @@
 #include "cli/help.h"
 #include "cli/json_records.h"
 #include "cli/safe_text.h"
+#include "cli/shell_words.h"
 #include "cli/spans.h"
 #include "cli/verb_functions.h"
 
@@ -43,23 +44,34 @@ void printText(Context& context, const app::Finding& finding) {
     context.out.write(lines.substr(std::min(indent, lines.size())));
 }
 
-/// The path, which must stay whole, has a line of its own. A text that many findings share stands
-/// once above their paths; `before` is the finding above, null for the first.
+/// The sign stands where the tail of a shell's prompt would.
+std::string commandOf(const app::Finding& finding) {
+    return finding.command.empty() ? "" : "$ " + safeText(commandLine(finding.command));
+}
+
+void printBelow(Context& context, const std::string& text) {
+    if (!text.empty()) {
+        context.out.line(drawn({{Style::dim, std::string(indent, ' ') + text}}, context.terminal));
+    }
+}
+
+/// Path and command, which must stay whole, have lines of their own. A text that many findings
+/// share stands once above their paths; `before` is the finding above, null for the first.
 void printInTerminal(Context& context, const app::Finding& finding, const app::Finding* before) {
     if (before == nullptr || before->text != finding.text || finding.path.empty()) {
         printText(context, finding);
     }
-    if (!finding.path.empty()) {
-        const std::string path = std::string(indent, ' ') + safeText(finding.path);
-        context.out.line(drawn({{Style::dim, path}}, context.terminal));
-    }
+    printBelow(context, safeText(finding.path));
+    printBelow(context, commandOf(finding));
 }
 
 void printLine(Context& context, const app::Finding& finding) {
     Spans line{{signOf(finding).style, fmt::format("{:<7}", levelName(finding.level))},
                {Style::plain, "  " + safeText(finding.text)}};
-    if (!finding.path.empty()) {
-        line.push_back({Style::dim, "  " + safeText(finding.path)});
+    for (const std::string& text : {safeText(finding.path), commandOf(finding)}) {
+        if (!text.empty()) {
+            line.push_back({Style::dim, "  " + text});
+        }
     }
     context.out.line(drawn(line, context.terminal));
 }

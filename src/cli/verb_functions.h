@@ -30,10 +30,13 @@ Exit runAdd(Context& context);
 Exit runTrash(Context& context);
 Exit runHistory(Context& context);
 Exit runMigrate(Context& context);
+Exit runConflicts(Context& context);
+Exit runResolve(Context& context);
 Exit runMark(Context& context);
 Exit runRpc(Context& context);
 Exit runParse(Context& context);
 Exit runSettings(Context& context);
 Exit runDoctor(Context& context);
+Exit runIndex(Context& context);
 
 }  // namespace tessaly::cli

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "app/cloud_offers.h"
 #include "app/migration.h"
 #include "base/localisation.h"
 #include "cli/change_report.h"
@@ -11,6 +12,7 @@
 #include "cli/json_line.h"
 #include "cli/migration_lines.h"
 #include "cli/safe_text.h"
+#include "cli/shell_words.h"
 #include "cli/verb_functions.h"
 
 namespace tessaly::cli {
@@ -42,10 +44,20 @@ constexpr std::array obstacles{
                 "another one")},
 };
 
+void tellOffers(app::Services& services) {
+    for (const ports::CloudFolder& offer : app::cloudDriveOffers(services)) {
+        complain(fmt::format(fmt::runtime(tr("a folder of {0} may be it: {1}")), offer.client,
+                             safeText(commandLine(app::acceptingCommand(offer)))));
+    }
+}
+
 Exit tellOf(Context& context, const Obstacle& obstacle) {
     if (obstacle.exit != Exit::done) {
         complain(fmt::format(fmt::runtime(tr(obstacle.text)),
                              safeText(context.services.globals().cloudDriveContainer())));
+        if (obstacle.state == Migration::noCloudDrive) {
+            tellOffers(context.services);
+        }
     } else if (context.invocation.json) {
         context.out.line(JsonObject{}.add("did", "unchanged").add("files", 0).text());
     } else {

@@ -11,9 +11,11 @@
 #include "cli/json_times.h"
 #include "cli/note_text.h"
 #include "cli/safe_text.h"
+#include "cli/shell_words.h"
 #include "cli/text_records.h"
 #include "cli/verb_functions.h"
 #include "grammar/note_title.h"
+#include "store/conflict_copies.h"
 #include "store/note_document.h"
 
 namespace tessaly::cli {
@@ -51,6 +53,16 @@ void printRecord(Context& context, const app::NoteAddress& note,
     context.out.line(object.text());
 }
 
+void tellOfVersions(app::Services& services, const app::NoteAddress& note) {
+    const std::string path = pathOf(note);
+    const auto copies =
+        store::conflictCopiesOf(services.ports().files, services.dataStore().root(), {path});
+    if (!copies.empty()) {
+        complain(fmt::format(fmt::runtime(tr("there are other versions of this note: {}")),
+                             commandLine({"tessaly", "conflicts", safeText(path)})));
+    }
+}
+
 }  // namespace
 
 Exit runShow(Context& context) {
@@ -72,6 +84,7 @@ Exit runShow(Context& context) {
     if (!contents) {
         return couldNotRead(*note, contents.failure());
     }
+    tellOfVersions(services, *note);
     if (!context.invocation.json) {
         printNoteText(context, contents->bytes);
         return Exit::done;

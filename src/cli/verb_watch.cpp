@@ -6,7 +6,6 @@
 
 #include "app/live_notes.h"
 #include "base/localisation.h"
-#include "base/log.h"
 #include "cli/context.h"
 #include "cli/migration_lines.h"
 #include "cli/safe_text.h"
@@ -153,7 +152,6 @@ private:
 }  // namespace
 
 Exit runWatch(Context& context) {
-    base::setRoutineLog(context.invocation.has("--verbose"));
     return Watch{context}.run();
 }
 

@@ -24,6 +24,10 @@ constexpr std::array doctorExamples{
     ExampleRow{"tessaly doctor", N_("look for trouble")},
 };
 
+constexpr std::array indexExamples{
+    ExampleRow{"tessaly index", N_("make the next start quick")},
+};
+
 constexpr std::array rows{
     VerbRow{"parse",
             "FILE",
@@ -62,6 +66,21 @@ constexpr std::array rows{
             {},
             doctorExamples,
             runDoctor,
+            Needs::nothing},
+    VerbRow{"index",
+            "",
+            0,
+            0,
+            {},
+            N_("Write the start-up index now"),
+            N_("Writes an index of all notes into the cache folder, so that the next start reads "
+               "only what has changed. That is also done by itself, in the background, when much "
+               "had to be read. A note that has changed is never shown as it was: its file's state "
+               "is looked at each time. The index may be deleted; with the setting isStartUpIndex "
+               "off there is none."),
+            {},
+            indexExamples,
+            runIndex,
             Needs::nothing},
 };
 

@@ -85,6 +85,11 @@ constexpr std::array watchExamples{
     ExampleRow{"tessaly watch --json | jq --unbuffered -r .path", N_("for a script")},
 };
 
+constexpr std::array conflictsExamples{
+    ExampleRow{"tessaly conflicts", N_("notes of which a sync client has set a version aside")},
+    ExampleRow{"tessaly conflicts today", N_("how the versions of today's note differ")},
+};
+
 constexpr std::array rows{
     VerbRow{"today",
             "",
@@ -198,6 +203,22 @@ constexpr std::array rows{
             {},
             mentionsExamples,
             runMentions},
+    VerbRow{"conflicts",
+            "[NOTE]",
+            0,
+            1,
+            {Completion::note, dayWords},
+            N_("Notes with several versions, and how these differ"),
+            N_("Lists the notes that were changed in two places before a sync client could take "
+               "the changes over, so that it has set a version aside, in a file beside the note. "
+               "A line for each version has its number, date, size, client and device, as far "
+               "as the name of the file tells them, and the file.\n\n"
+               "With NOTE, prints also how each other version differs from the first. NOTE is a "
+               "day, written as for the verb day, the name of a file (of the note or of one of "
+               "its versions) relative to its folder, or a title. resolve ends a conflict."),
+            {},
+            conflictsExamples,
+            runConflicts},
     VerbRow{
         "watch",
         "",

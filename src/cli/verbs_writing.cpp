@@ -35,6 +35,11 @@ constexpr std::array historyOptions{
               N_("restore: change nothing, and print what would change in the file; clear: print "
                  "the texts that would go")},
 };
+constexpr std::array resolveOptions{
+    OptionRow{"--keep", "N", N_("keep the version with this number, as conflicts shows it")},
+    OptionRow{"--merge", nullptr, N_("join all versions")},
+    dryRun,
+};
 constexpr std::array migrateOptions{
     OptionRow{"--yes", nullptr, N_("do not ask")},
     dryRun,
@@ -58,6 +63,10 @@ constexpr std::array historyExamples{
     ExampleRow{"tessaly history show 2cf24dba5f", N_("one of these texts")},
     ExampleRow{"tessaly history restore 2cf24dba5f --dry-run",
                N_("what would change if it came back")},
+};
+constexpr std::array resolveExamples{
+    ExampleRow{"tessaly resolve today --merge --dry-run", N_("what would become of the files")},
+    ExampleRow{"tessaly resolve Plans --keep 2", N_("the second version, and no other")},
 };
 constexpr std::array migrateExamples{
     ExampleRow{"tessaly migrate --dry-run", N_("what would be moved")},
@@ -124,6 +133,24 @@ constexpr std::array rows{
         historyOptions,
         historyExamples,
         runHistory},
+    VerbRow{
+        "resolve",
+        "NOTE",
+        1,
+        1,
+        {Completion::note, dayWords},
+        N_("End a conflict: keep a version of a note, or merge all"),
+        N_("Puts one text in the place of all versions of NOTE that conflicts lists, and takes "
+           "away the files that a sync client has set aside. What each version held stays in the "
+           "history.\n\n"
+           "With --merge, the versions are joined by line, and within a task by state, text and "
+           "tags. A line that one version has deleted goes if an earlier text is known (from the "
+           "history, or from the start-up index) that shows that it was deleted; else all lines "
+           "of all versions stay, those that they have in common once.\n\n"
+           "A version that changes meanwhile is not taken away."),
+        resolveOptions,
+        resolveExamples,
+        runResolve},
     VerbRow{
         "migrate",
         "",
