@@ -33,6 +33,10 @@ public:
     }
 
     base::Result<base::Done> start(Scope scope, std::function<void()> onUpdate) override {
+        {
+            const std::scoped_lock lock(_mutex);
+            _isUpdated = false;
+        }
         return _query.start(std::move(scope), [this, onUpdate = std::move(onUpdate)] {
             onUpdate();
             const std::scoped_lock lock(_mutex);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "live/live_folder.h"
 
+#include <utility>
+
 #include "live/cache_text.h"
 #include "store/note_names.h"
 
@@ -28,12 +30,16 @@ NoDownloads noDownloads;
 
 }  // namespace
 
-LiveFolder::LiveFolder(platform::WatchOptions options)
-    : _inotify(options), _cache(std::make_unique<store::NoteCache>(cacheTools())) {
+LiveFolder::LiveFolder(platform::WatchOptions options) : _inotify(options) {
     folder().mkdir("data/Notes");
     folder().mkdir("data/Calendar");
     folder().mkdir("data/.Trash");
     folder().mkdir("outside");
+    make(nullptr);
+}
+
+void LiveFolder::make(std::shared_ptr<const store::NoteIndex> index) {
+    _cache = std::make_unique<store::NoteCache>(cacheTools(std::move(index)));
     _sync = std::make_unique<sync::CloudSync>(sync::CloudSync::Tools{
         .store = _store.store,
         .cloudQuery = _query,
@@ -53,12 +59,20 @@ LiveFolder::~LiveFolder() {
     _cache.reset();
 }
 
-store::NoteCache::Tools LiveFolder::cacheTools() {
+void LiveFolder::restart(std::shared_ptr<const store::NoteIndex> index) {
+    _sync.reset();
+    _cache.reset();
+    _told.forget();
+    make(std::move(index));
+}
+
+store::NoteCache::Tools LiveFolder::cacheTools(std::shared_ptr<const store::NoteIndex> index) {
     return {.store = _store.store,
             .executor = _executor,
             .clock = _clock,
             .countSettings = [] { return store::CountSettings{}; },
-            .onRepeat = {}};
+            .onRepeat = {},
+            .index = [index = std::move(index)] { return index; }};
 }
 
 bool LiveFolder::load() {
@@ -115,6 +129,13 @@ bool LiveFolder::settleByLooking() {
     }
     mark();
     return work(longerThanAnyPause) && isMarkTold();
+}
+
+std::string LiveFolder::cacheDifferenceFromDisk() {
+    store::NoteCache fresh(cacheTools());
+    fresh.load();
+    fresh.waitUntilIdle();
+    return difference(everythingIn(*_cache), everythingIn(fresh));
 }
 
 std::string LiveFolder::differenceFromDisk() {

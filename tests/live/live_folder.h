@@ -34,6 +34,12 @@ public:
     const store::NoteCache& cache() const { return *_cache; }
     const ToldNotes& told() const { return _told; }
 
+    store::DataStore& store() { return _store.store; }
+    base::Executor& executor() { return _executor; }
+
+    /// Cache and watcher end, and are made anew; they are to be started then.
+    void restart(std::shared_ptr<const store::NoteIndex> index);
+
     bool load();
     /// False: the first batch does not come about.
     bool watch();
@@ -48,7 +54,9 @@ public:
     /// The same by nothing but letting time pass.
     bool settleByLooking();
 
-    /// How the cache differs from one that is loaded now; empty: not at all.
+    /// How the cache differs from one that is loaded now, without an index; empty: not at all.
+    std::string cacheDifferenceFromDisk();
+    /// That, and how what was told does.
     std::string differenceFromDisk();
 
 private:
@@ -56,7 +64,8 @@ private:
     bool work(std::chrono::nanoseconds time);
     void mark();
     bool isMarkTold() const;
-    store::NoteCache::Tools cacheTools();
+    store::NoteCache::Tools cacheTools(std::shared_ptr<const store::NoteIndex> index = nullptr);
+    void make(std::shared_ptr<const store::NoteIndex> index);
 
     StoreFixture _store;
     platform::SystemClock _clock;  ///< files that are just being written are known by it

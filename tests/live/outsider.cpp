@@ -2,6 +2,7 @@
 #include "live/outsider.h"
 
 #include <array>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -55,6 +56,20 @@ const std::vector<std::string> lines{
 /// One byte, and the mark that a sync client will fetch the rest.
 constexpr char shellMark[] = "user.nextcloud.hydrate_exec";
 
+/// Writes into `target` other bytes than `file` has, but as many, with its date. False: there is no
+/// such file.
+bool writeAlike(const TempFolder& folder, const std::string& file, const std::string& target) {
+    struct stat before {};
+    if (::lstat((folder / file).c_str(), &before) != 0 || before.st_size == 0) {
+        return false;
+    }
+    std::string bytes = folder.read(file);
+    bytes.back() = bytes.back() == 'A' ? 'B' : 'A';
+    folder.write(target, bytes);
+    const std::array<timespec, 2> times{before.st_atim, before.st_mtim};
+    return ::utimensat(AT_FDCWD, (folder / target).c_str(), times.data(), 0) == 0;
+}
+
 }  // namespace
 
 struct Outsider::Way {
@@ -100,13 +115,32 @@ const Item& Outsider::any(const std::vector<Item>& items) {
     return items[below(items.size())];
 }
 
+const std::vector<Outsider::Way>& Outsider::unwatchedWays() {
+    static const std::vector<Way> all{
+        {3, "make anew unseen", [](Outsider& self) { self.makeAnewUnseen(); }},
+        {2, "swap", [](Outsider& self) { self.swap(); }},
+        {2, "link", [](Outsider& self) { self.linkTwin(); }},
+        {2, "write by link", [](Outsider& self) { self.writeTwin(); }},
+        {3, "rewrite unseen", [](Outsider& self) { self.rewriteUnseen(); }},
+    };
+    return all;
+}
+
 void Outsider::edit() {
+    editOneOf(ways());
+}
+
+void Outsider::editUnwatched() {
+    editOneOf(below(2) == 0 ? ways() : unwatchedWays());
+}
+
+void Outsider::editOneOf(const std::vector<Way>& ways) {
     int sum = 0;
-    for (const Way& way : ways()) {
+    for (const Way& way : ways) {
         sum += way.weight;
     }
     int left = static_cast<int>(below(static_cast<std::size_t>(sum)));
-    for (const Way& way : ways()) {
+    for (const Way& way : ways) {
         left -= way.weight;
         if (left < 0) {
             _story += std::string("\n") + way.name;
@@ -200,22 +234,48 @@ void Outsider::renameOver() {
     }
 }
 
-// Other bytes of the same length, and the old date: only the inode's change time tells.
+// Other bytes of the same length, and the old date: only the inode or its change time tells.
 void Outsider::rewriteUnseen() {
     const std::string file = path();
-    struct stat before {};
-    if (!hasRoom(file) || ::stat((_folder / file).c_str(), &before) != 0 || before.st_size == 0) {
-        return;
+    if (hasRoom(file)) {
+        const std::string target = below(2) == 0 ? file : "outside/copy";
+        if (writeAlike(_folder, file, target) && target != file) {
+            fs::rename(_folder / target, _folder / file);
+        }
     }
-    const std::string target = below(2) == 0 ? file : "outside/copy";
-    std::string bytes = _folder.read(file);
-    bytes.back() = bytes.back() == 'A' ? 'B' : 'A';
-    _folder.write(target, bytes);
-    const std::array<timespec, 2> times{before.st_atim, before.st_mtim};
-    ::utimensat(AT_FDCWD, (_folder / target).c_str(), times.data(), 0);
-    if (target != file) {
-        fs::rename(_folder / target, _folder / file);
+}
+
+// The file system may give the new file the old one's inode.
+void Outsider::makeAnewUnseen() {
+    const std::string file = path();
+    if (hasRoom(file) && writeAlike(_folder, file, "outside/anew")) {
+        fs::remove(_folder / file);
+        writeAlike(_folder, "outside/anew", file);
     }
+}
+
+void Outsider::swap() {
+    const std::string one = path();
+    const std::string other = path();
+    if (hasRoom(one) && hasRoom(other)) {
+        ::renameat2(AT_FDCWD, (_folder / one).c_str(), AT_FDCWD, (_folder / other).c_str(),
+                    RENAME_EXCHANGE);
+    }
+}
+
+void Outsider::linkTwin() {
+    const std::string file = path();
+    std::error_code error;
+    if (hasRoom(file)) {
+        const std::string twin = _folder / ("outside/twin " + std::to_string(below(4)));
+        fs::remove(twin, error);
+        fs::create_hard_link(_folder / file, twin, error);
+    }
+}
+
+void Outsider::writeTwin() {
+    const std::string twin = "outside/twin " + std::to_string(below(4));
+    writeAlike(_folder, twin, twin);
 }
 
 void Outsider::move(const std::string& from, const std::string& to) {

@@ -21,12 +21,17 @@ public:
     /// One change; some come to nothing.
     void edit();
 
+    /// One change that may also be such as makes no event: for when nobody watches.
+    void editUnwatched();
+
     /// The changes since this was last asked, for telling how a failure came about.
     std::string story();
 
 private:
     struct Way;
     static const std::vector<Way>& ways();
+    static const std::vector<Way>& unwatchedWays();
+    void editOneOf(const std::vector<Way>& ways);
 
     std::string text();
     std::string name();
@@ -45,6 +50,10 @@ private:
     void writeOver();
     void renameOver();
     void rewriteUnseen();
+    void makeAnewUnseen();
+    void swap();
+    void linkTwin();
+    void writeTwin();
     void move(const std::string& from, const std::string& to);
     void makeFolders();
     void remove();

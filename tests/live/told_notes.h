@@ -22,6 +22,11 @@ public:
         }
     }
 
+    void forget() {
+        const std::scoped_lock lock(_mutex);
+        _notes.clear();
+    }
+
     bool knows(const std::string& url) const {
         const std::scoped_lock lock(_mutex);
         return _notes.contains(url);
