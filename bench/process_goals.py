@@ -13,10 +13,14 @@ from naive_notes import read_folder
 
 NEEDLE = "zanzibarite"
 NOW = "2019-12-31T12:00:00"
+SETTLED = 3  # seconds; notes that were changed just before are not in an index
 
 
 class Programs:
-    """The programs that are timed, with no settings but their own defaults."""
+    """The programs that are timed, with no settings but their own defaults, and without an index.
+
+    Settings, history and cache are below `folder`.
+    """
 
     def __init__(self, build, folder):
         self._load = os.path.join(build, "bin", "load_notes")
@@ -24,12 +28,20 @@ class Programs:
         self._out = os.path.join(folder, "out")
         kinds = ("CONFIG", "CACHE", "STATE", "DATA")
         self._env = {**os.environ, **{f"XDG_{k}_HOME": os.path.join(folder, k) for k in kinds}}
+        # Else each reading would have an index written in the background.
+        self.output([self._tessaly, "settings", "set", "isStartUpIndex", "off"])
 
     def load_notes(self, root, mode, *more):
         return [self._load, root, mode, *more]
 
     def today(self, root):
         return [self._tessaly, "--root", root, "--now", NOW, "today"]
+
+    def write_index(self, root):
+        """From now on the notes are read through an index."""
+        self.output([self._tessaly, "settings", "set", "isStartUpIndex", "on"])
+        time.sleep(SETTLED)
+        self.output([self._tessaly, "--root", root, "index"])
 
     def tasks(self, root):
         return [self._tessaly, "--root", root, "--now", NOW, "tasks", "--json"]
@@ -111,6 +123,17 @@ def timed_rows(programs, corpus, size, pairs):
     ]
 
 
+def indexed_rows(build, corpus, size, pairs):
+    with tempfile.TemporaryDirectory(dir=build) as folder:
+        programs = Programs(build, folder)
+        without = programs.output(programs.today(corpus))
+        programs.write_index(corpus)
+        same = programs.output(programs.today(corpus)) == without
+        rows = [answer(f"{size}: today prints the same with an index", True, same)]
+        today = programs.pairs(programs.today(corpus), programs.search(corpus), pairs)
+        return rows + [ratio_row(f"{size}: today with a fresh index / rg -il {NEEDLE}", 0.7, today)]
+
+
 def growth_row(programs, medium, large, pairs):
     files = [json.loads(programs.output(programs.load_notes(root, "read")))["files"] for root in (large, medium)]
     times = programs.pairs(programs.load_notes(large, "load"), programs.load_notes(medium, "load"), pairs)
@@ -121,6 +144,8 @@ def process_rows(build, medium, large, pairs):
     with tempfile.TemporaryDirectory() as folder:
         programs = Programs(build, folder)
         rows = answer_rows(programs, medium) + timed_rows(programs, medium, "medium", pairs)
+        rows += indexed_rows(build, medium, "medium", pairs)
         if large is None:
             return rows + [Row("load, cost of a note: large / medium", None, 1.10, detail="no large corpus")]
-        return rows + timed_rows(programs, large, "large", pairs) + [growth_row(programs, medium, large, pairs)]
+        rows += timed_rows(programs, large, "large", pairs) + indexed_rows(build, large, "large", pairs)
+        return rows + [growth_row(programs, medium, large, pairs)]
