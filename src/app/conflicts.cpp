@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/conflicts.h"
 
-#include <array>
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -161,24 +161,21 @@ private:
     sync::ConflictManager _manager;
 };
 
-/// Lines of `base` that a version lacks, without others in their place, and that are not in
-/// `merged`.
-std::size_t linesTaken(std::string_view base, const std::vector<std::string_view>& versions,
-                       std::string_view merged) {
-    const auto lines = store::linesOfText(base);
-    const auto left = store::linesOfText(merged);
-    const std::set<std::string_view> present(left.begin(), left.end());
-    std::set<std::size_t> taken;
-    for (const std::string_view version : versions) {
-        for (const store::LineHunk& hunk : store::diffLines(lines, store::linesOfText(version))) {
-            for (std::size_t line = hunk.newCount; line < hunk.oldCount; ++line) {
-                if (!present.contains(lines[hunk.oldStart + line])) {
-                    taken.insert(hunk.oldStart + line);
-                }
-            }
+/// Lines of the versions, each counted once, that the merged text does not have.
+std::size_t linesTaken(const std::vector<std::string_view>& versions, std::string_view merged) {
+    const auto addLines = [](std::string_view text, std::set<std::string_view>& lines) {
+        for (std::string_view line : store::linesOfText(*store::decodedText(text))) {
+            lines.insert(line.substr(0, line.size() - (line.ends_with('\r') ? 1 : 0)));
         }
+    };
+    std::set<std::string_view> present{""};
+    addLines(merged, present);
+    std::set<std::string_view> all;
+    for (const std::string_view version : versions) {
+        addLines(version, all);
     }
-    return taken.size();
+    return static_cast<std::size_t>(
+        std::count_if(all.begin(), all.end(), [&](auto line) { return !present.contains(line); }));
 }
 
 /// Fills in what there is to say of the merge.
@@ -196,7 +193,7 @@ std::string mergedText(Services& services, const std::vector<std::string_view>& 
     }
     std::string merged = store::mergeVersions(base->text, versions);
     resolved.baseTime = known[base->index].time;
-    resolved.linesTaken = linesTaken(base->text, versions, merged);
+    resolved.linesTaken = linesTaken(versions, merged);
     return merged;
 }
 

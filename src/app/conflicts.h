@@ -49,7 +49,9 @@ struct Resolved {
     /// Of a merge: when the note held the newest text that the versions were merged from; nothing:
     /// none is known, so that every line of every version was kept.
     std::optional<base::Instant> baseTime;
-    std::size_t linesTaken = 0;  ///< that some version had deleted, and the others had not
+    /// Of a merge: lines that a version had, and the merged text does not, since another version
+    /// had deleted or changed them.
+    std::size_t linesTaken = 0;
 };
 
 /// Keeps the version with that number, the bytes of all others being in the note's history. The log

@@ -77,10 +77,12 @@ std::vector<std::string> wordsOfMerge(Context& context, const app::Resolved& res
     lines.push_back(inWords(tr("They were compared with what the note held on {}."),
                             dateInWords(context, *resolved.baseTime)));
     if (resolved.linesTaken > 0) {
-        lines.push_back(inWords(base::trPlural("{} line is gone that one version had deleted.",
-                                               "{} lines are gone that one version had deleted.",
-                                               static_cast<unsigned long>(resolved.linesTaken)),
-                                resolved.linesTaken));
+        lines.push_back(inWords(
+            base::trPlural(
+                "{} line of a version is not in it, as another had deleted or changed it.",
+                "{} lines of versions are not in it, as others had deleted or changed them.",
+                static_cast<unsigned long>(resolved.linesTaken)),
+            resolved.linesTaken));
     }
     return lines;
 }
