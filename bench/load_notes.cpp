@@ -138,7 +138,7 @@ void gatherDays(const Request& request) {
     fmt::print(", \"ofToday\": {}, \"scheduledToToday\": {}, \"overdue\": {}",
                workers[0].tasks.ofNote(lastDayOfCorpus).size(),
                workers[0].tasks.scheduledTo(lastDayOfCorpus).size(),
-               workers[0].tasks.overdue(lastDayOfCorpus, 0).total);
+               workers[0].tasks.overdue(lastDayOfCorpus, request.executor, 0).total);
     finish();
 }
 

@@ -76,7 +76,7 @@ DayView viewOf(Services& services, const Gathered& gathered, base::Day day, base
     view.tasks = gathered.tasks.ofNote(day);
     view.scheduled = gathered.tasks.scheduledTo(day);
     if (day == today) {
-        view.overdue = gathered.tasks.overdue(today, mostOverdue);
+        view.overdue = gathered.tasks.overdue(today, services.ports().executor, mostOverdue);
     }
     return view;
 }
@@ -104,7 +104,8 @@ DayViews weekView(Services& services, base::Day day, store::NoteReader::Options 
 
 OverdueView overdueView(Services& services, store::NoteReader::Options options) {
     Reading reading = readTasks(services, std::move(options));
-    return {reading.all.tasks.overdue(services.today()).tasks, std::move(reading.report)};
+    return {reading.all.tasks.overdue(services.today(), services.ports().executor).tasks,
+            std::move(reading.report)};
 }
 
 }  // namespace tessaly::app

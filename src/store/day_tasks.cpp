@@ -285,23 +285,40 @@ DayTasks::Counts DayTasks::countGeneral(base::Day day) const {
     return counts;
 }
 
-OverdueTasks DayTasks::overdue(base::Day today, std::size_t most) const {
-    Copies copies(*this);
-    std::vector<Found> tasks;
-    eachTask([&](const Found& task) {
-        const TodoType type = task.line->line.type;
-        if (plannedDay(task) >= today) {
-            return;
-        }
-        // One that a day's note schedules to another day has been moved there.
-        const bool standsForItself =
-            type == TodoType::open ||
-            (type == TodoType::scheduled &&
-             (!task.note->day || task.note->day == task.line->scheduledTo));
-        if (standsForItself && !copies.hasCopyOf(task)) {
-            tasks.push_back(task);
-        }
+bool DayTasks::mayBeOverdue(const Found& task, base::Day today) {
+    if (plannedDay(task) >= today) {
+        return false;
+    }
+    // One that a day's note schedules to another day has been moved there.
+    const TodoType type = task.line->line.type;
+    return type == TodoType::open ||
+           (type == TodoType::scheduled &&
+            (!task.note->day || task.note->day == task.line->scheduledTo));
+}
+
+OverdueTasks DayTasks::overdue(base::Day today, base::Executor& executor, std::size_t most) const {
+    const std::size_t parts = executor.width() + 1;
+    // The tasks that name one day are of one part, so that its copies are looked at once.
+    const auto partOf = [parts](const Found& task) {
+        const auto& day = task.line->scheduledTo;
+        return day ? static_cast<std::size_t>(std::chrono::sys_days{*day}.time_since_epoch() /
+                                              std::chrono::days{1}) %
+                         parts
+                   : 0;
+    };
+    std::vector<std::vector<Found>> found(parts);
+    base::parallelFor(executor, parts, [&](std::size_t part) {
+        Copies copies(*this);
+        eachTask([&](const Found& task) {
+            if (partOf(task) == part && mayBeOverdue(task, today) && !copies.hasCopyOf(task)) {
+                found[part].push_back(task);
+            }
+        });
     });
+    std::vector<Found> tasks;
+    for (const std::vector<Found>& part : found) {
+        tasks.insert(tasks.end(), part.begin(), part.end());
+    }
     const std::size_t total = tasks.size();
     return {inOrder(std::move(tasks), most), total};
 }

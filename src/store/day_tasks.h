@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/day.h"
+#include "base/executor.h"
 #include "base/note_type.h"
 #include "grammar/line_scanner.h"
 #include "grammar/todo.h"
@@ -81,7 +82,9 @@ public:
     /// The open tasks planned for a day before `today`, the oldest first, none twice: a task that
     /// a schedule tag plans for later is not overdue, whatever its note's day.
     /// Records are made for the first `most` alone: there may be thousands that nobody looks at.
-    OverdueTasks overdue(base::Day today, std::size_t most = everyTask) const;
+    /// The executor's threads help to look for copies.
+    OverdueTasks overdue(base::Day today, base::Executor& executor,
+                         std::size_t most = everyTask) const;
 
 private:
     // Tasks are kept as found, a note's together, and made into records when asked for: most are
@@ -106,6 +109,7 @@ private:
     void eachTask(Visit visit) const;
     std::vector<Found> foundFor(base::Day day) const;
     static std::optional<base::Day> plannedDay(const Found& task);
+    static bool mayBeOverdue(const Found& task, base::Day today);
     static NoteTask recordOf(const Found& found);
     static std::vector<NoteTask> inOrder(std::vector<Found> tasks, std::size_t most);
 

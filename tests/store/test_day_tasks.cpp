@@ -6,6 +6,7 @@
 
 #include <doctest/doctest.h>
 
+#include "base/thread_pool.h"
 #include "store/day_tasks.h"
 #include "store/note_names.h"
 
@@ -61,9 +62,16 @@ std::string printed(const std::vector<store::NoteTask>& tasks) {
     return text;
 }
 
+/// Three look for copies.
+base::Executor& helpers() {
+    static base::ThreadPool pool(2);
+    return pool;
+}
+
 std::string answers(const DayTasks& tasks) {
     return "note\n" + printed(tasks.ofNote(today)) + "scheduled\n" +
-           printed(tasks.scheduledTo(today)) + "overdue\n" + printed(tasks.overdue(today).tasks);
+           printed(tasks.scheduledTo(today)) + "overdue\n" +
+           printed(tasks.overdue(today, helpers()).tasks);
 }
 
 void check(const std::vector<NoteRow>& notes, const std::string& expected) {
@@ -184,13 +192,13 @@ TEST_CASE("the first of the overdue tasks are the oldest, and all are counted") 
          }) {
         addTo(tasks, note);
     }
-    const store::OverdueTasks overdue = tasks.overdue(today, 3);
+    const store::OverdueTasks overdue = tasks.overdue(today, helpers(), 3);
     CHECK(overdue.total == 4);
     CHECK(printed(overdue.tasks) ==
           "2019-03-01 Calendar/20190301.txt:1 * a\n"
           "2019-03-01 Calendar/20190301.txt:2 * b\n"
           "2019-03-03 Calendar/20190303.txt:1 * c\n");
-    CHECK(tasks.overdue(today, 0).tasks.empty());
+    CHECK(tasks.overdue(today, helpers(), 0).tasks.empty());
 }
 
 TEST_CASE("the order of notes and the way they are joined do not matter") {
@@ -248,7 +256,7 @@ TEST_CASE("a record of tasks is read whole or not at all, whatever bytes it hold
             DayTasks tasks;
             CHECK_FALSE(tasks.addRecord(type, filename, whole.substr(0, length)));
             CHECK_FALSE(tasks.addRecord(type, filename, whole.substr(length)));
-            CHECK(tasks.overdue(9999y / December / 31).total == 0);
+            CHECK(tasks.overdue(9999y / December / 31, helpers()).total == 0);
         }
         for (int round = 0; round < 20000; ++round) {
             std::string bytes = whole;

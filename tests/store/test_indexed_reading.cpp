@@ -12,6 +12,7 @@
 #include <doctest/doctest.h>
 #include <sys/xattr.h>
 
+#include "base/inline_executor.h"
 #include "base/thread_pool.h"
 #include "platform/posix_cache_files.h"
 #include "store/day_tasks.h"
@@ -115,7 +116,8 @@ private:
             tasks.add(file.type, file.filename, file.bytes, _key.markers, scanner);
         }
         std::string text;
-        for (const auto& task : tasks.overdue(std::chrono::year{2100} / 1 / 1).tasks) {
+        base::InlineExecutor executor;
+        for (const auto& task : tasks.overdue(std::chrono::year{2100} / 1 / 1, executor).tasks) {
             text += task.todo.title + "|" + task.todo.base + "|";
         }
         return text;
