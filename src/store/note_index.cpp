@@ -118,6 +118,10 @@ std::optional<std::string_view> NoteIndex::bytes(Entry entry) const {
                                                                              : std::nullopt;
 }
 
+void NoteIndex::forgetRecords() const {
+    _file->forget(_sections->records);
+}
+
 std::optional<std::string_view> NoteIndex::record(Entry entry) const {
     if (!_hasRecords) {
         return std::nullopt;

@@ -74,6 +74,8 @@ public:
     /// Part of what `bytes` gave, or several notes' with all between them, is not needed again
     /// soon. Only whole pages are given back: a short text has none.
     void forget(std::string_view part) const { _file->forget(part); }
+    /// No record is needed soon: opening has looked at all of them.
+    void forgetRecords() const;
 
 private:
     NoteIndex(std::shared_ptr<const ports::MappedFile> file, const IndexSections& sections,

@@ -111,6 +111,9 @@ TagCounts joinedTags(std::vector<Part>& parts, TagTally Part::*tags) {
 LoadedNotes loadNotes(const DataStore& store, base::Executor& executor,
                       const CountSettings& settings, NoteReader::Options options,
                       std::shared_ptr<const NoteIndex> index) {
+    if (index) {
+        index->forgetRecords();
+    }
     NoteReader reader(store, executor, std::move(index));
     std::vector<Part> parts(reader.workers());
     options.types = {base::NoteType::calendar, base::NoteType::note};
