@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "app/held_texts.h"
+#include "app/note_address.h"
+#include "app/search_notes.h"
 #include "app/task_changes.h"
 
 namespace tessaly::app {
@@ -107,6 +109,23 @@ sync::MigrationOffer& Services::migrationOffer() {
             sync::MigrationOffer::Tools{_ports.questions, _ports.standardDefaults});
     }
     return *_migrationOffer;
+}
+
+search::SearchHelper& Services::searchHelper() {
+    if (!_searchHelper) {
+        const grammar::DateStringHelper& names = dateStrings();
+        _searchHelper = std::make_unique<search::SearchHelper>(
+            search::SearchHelper::Tools{noteCache(), _ports.executor, _ports.clock, names,
+                                        [this] { return searchSettings(*this); },
+                                        [this, &names](std::string_view text) {
+                                            return parseDay(text, today(), names.formats());
+                                        }});
+    }
+    return *_searchHelper;
+}
+
+search::FilterHelper Services::filterHelper() {
+    return search::FilterHelper({dataStore(), safeFiles(), _ports.trash});
 }
 
 bool Services::isCloudDriveMissing() {

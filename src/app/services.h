@@ -27,6 +27,8 @@
 #include "ports/user_defaults.h"
 #include "ports/user_locale.h"
 #include "ports/watch_outlook.h"
+#include "search/filter_helper.h"
+#include "search/search_helper.h"
 #include "settings/globals.h"
 #include "store/data_store.h"
 #include "store/history.h"
@@ -95,6 +97,9 @@ public:
     /// Ends the watcher, once its batch in hand is done. The next one is made anew.
     void endCloudSync();
     sync::MigrationOffer& migrationOffer();
+    /// Searches the notes that the cache holds.
+    search::SearchHelper& searchHelper();
+    search::FilterHelper filterHelper();
     const grammar::DateStringHelper& dateStrings();
 
     /// Whether the settings name a cloud drive that cannot be used now, so that the notes shown are
@@ -120,6 +125,7 @@ private:
     std::unique_ptr<store::NoteCache> _noteCache;
     std::unique_ptr<sync::CloudSync> _cloudSync;
     std::unique_ptr<sync::MigrationOffer> _migrationOffer;
+    std::unique_ptr<search::SearchHelper> _searchHelper;
 };
 
 }  // namespace tessaly::app

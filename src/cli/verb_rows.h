@@ -8,9 +8,13 @@
 
 namespace tessaly::cli {
 
-/// The table of verbs by topic: those that read notes, those that change tasks, those that
+/// The table of verbs by topic: those that read notes, those that search them,
+/// saved filters, the sidebar, those that change tasks, those that
 /// change notes, those for editors, and the rest.
 std::span<const VerbRow> readingVerbs();
+std::span<const VerbRow> searchVerbs();
+std::span<const VerbRow> filterVerbs();
+std::span<const VerbRow> sideBarVerbs();
 std::span<const VerbRow> taskVerbs();
 std::span<const VerbRow> writingVerbs();
 std::span<const VerbRow> editingVerbs();

@@ -26,8 +26,8 @@ constexpr std::array globalRows{
 
 std::vector<VerbRow> allVerbs() {
     std::vector<VerbRow> all;
-    for (const auto rows :
-         {readingVerbs(), taskVerbs(), writingVerbs(), editingVerbs(), otherVerbs()}) {
+    for (const auto rows : {readingVerbs(), searchVerbs(), filterVerbs(), sideBarVerbs(),
+                            taskVerbs(), writingVerbs(), editingVerbs(), otherVerbs()}) {
         all.insert(all.end(), rows.begin(), rows.end());
     }
     return all;

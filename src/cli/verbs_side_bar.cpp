@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include "cli/verb_rows.h"
+
+namespace tessaly::cli {
+
+std::span<const VerbRow> sideBarVerbs() {
+    return {};
+}
+
+}  // namespace tessaly::cli
