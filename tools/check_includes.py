@@ -17,7 +17,7 @@ NONE = {"–", "-", ""}
 # Headers of libraries that reach outside the process, and the folders that may know them.
 OUTSIDE = [
     (re.compile(r"Q[A-Z]|Qt"), "Qt", {"desktop"}),
-    (re.compile(r"(curl|gio|glib-object|libsecret|libical|libecal|libedataserver|plist)[/.]"),
+    (re.compile(r"(curl|gio|glib-object|libsecret|libical|libecal|libedataserver)[/.]"),
      "libraries that reach outside", {"platform", "desktop"}),
     (re.compile(r"glib(\.h$|/)"), "GLib", {"base", "platform", "desktop"}),
     (re.compile(r"(fcntl|dirent|sys/stat|sys/file|sys/inotify|sys/socket)\.h$|(filesystem|fstream)$"),

@@ -168,8 +168,9 @@ TEST_CASE("the word under the cursor ends at white space and delimiters") {
              {"[a-b_c|](d)", "[{a-b_c}](d)"},
              {"\u00A0a|\r\nb", "\u00A0{a}\r\nb"},
          }) {
-        CAPTURE(text);
-        const auto shown = tests::readMarked(text);
+        const std::string marked = text;
+        CAPTURE(marked);
+        const auto shown = tests::readMarked(marked);
         const auto found = selectedWord(shown.text, shown.selection.location);
         REQUIRE(found);
         CHECK(tests::writtenMarked(shown.text, *found) == word);

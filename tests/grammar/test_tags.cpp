@@ -62,8 +62,9 @@ TEST_CASE("lists hold a tag once, behind its parents, without book-keeping") {
              {"@final-repeat", ""},
              {"@done", "@done"},
          }) {
-        CAPTURE(tag);
-        CHECK(listed(tag) == expected);
+        const std::string name = tag;
+        CAPTURE(name);
+        CHECK(listed(name) == expected);
     }
     TagList list;
     for (int i = 0; i < 100; ++i) {

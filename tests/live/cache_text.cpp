@@ -18,11 +18,12 @@ void addTags(std::ostream& text, const std::vector<std::string>& hashTags,
     }
 }
 
+// Without the date of creation: a file that others put in place of one that reads and is dated alike
+// is no change that is told.
 std::string textOf(const store::LoadedNote& note) {
     std::ostringstream text;
     text << (note.isFolder ? "folder " : "note ") << note.title << " changed "
-         << note.contentChangedDate.time_since_epoch().count() << " created "
-         << note.contentCreatedDate.time_since_epoch().count();
+         << note.contentChangedDate.time_since_epoch().count();
     addTags(text, note.hashTags, note.atTags);
     for (const store::DatedLine& line : note.datedLines) {
         text << " line " << line.lineIndex << " at " << line.start << '+' << line.length;

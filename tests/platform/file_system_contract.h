@@ -148,8 +148,10 @@ inline void checkSurveys(ports::FileSystem& files) {
                   "loop", std::string(300, 'x')});
     using Kind = FolderEntry::Kind;
     std::map<std::string, Kind> kinds;
-    for (const auto& [name, entry] : entries) {
-        CAPTURE(name);
+    for (const auto& found : entries) {
+        const auto& [name, entry] = found;
+        const std::string& path = name;
+        CAPTURE(path);
         kinds[name] = entry.kind;
         CHECK_FALSE(entry.isPlaceholder);
         const bool hasStamp = entry.kind == Kind::file || entry.kind == Kind::folder;

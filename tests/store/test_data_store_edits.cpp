@@ -199,9 +199,10 @@ TEST_CASE("nothing is written over a sync client's placeholder, nor is it taken 
         {"push a shell that has a name of its own", push("Near.txt.nextcloud")},
     };
     LogCapture log;
-    for (const auto& [what, operation] : rows) {
+    for (const auto& row : rows) {
+        const auto& what = row.first;
         CAPTURE(what);
-        CHECK(operation() == Failure::Kind::unavailable);
+        CHECK(row.second() == Failure::Kind::unavailable);
         CHECK(fixture.folder.read("share/org.example/Notes/Far.txt") == " ");
         CHECK(fixture.folder.exists("share/org.example/Notes/Near.txt.nextcloud"));
     }
