@@ -58,6 +58,7 @@ std::string_view baseNameOf(base::NoteType type) {
         case base::NoteType::calendar: return "calendar";
         case base::NoteType::note: return "note";
         case base::NoteType::trash: return "trash";
+        case base::NoteType::filters: return "filters";
         default: return "none";
     }
 }

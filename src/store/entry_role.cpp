@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/note_type.h"
 #include "base/utf8.h"
 #include "store/conflict_patterns.h"
 #include "store/foreign_names.h"
@@ -44,6 +45,17 @@ EntryRole entryRole(const ports::FolderEntry& entry) {
     }
     return entry.kind == Kind::file ? unlessUnreadable(EntryRole::note, name)
                                     : EntryRole::unreadable;
+}
+
+EntryRole entryRoleIn(std::string_view folder, const ports::FolderEntry& entry) {
+    const bool isFilters =
+        folder.substr(0, folder.find('/')) == base::folderName(base::NoteType::filters);
+    if (!isFilters) {
+        return entryRole(entry);
+    }
+    return entry.kind == Kind::file && nameKind(entry.name) == NameKind::ordinary
+               ? unlessUnreadable(EntryRole::note, entry.name)
+               : EntryRole::passedOver;
 }
 
 bool mayBeConflictCopy(const ports::FolderEntry& entry) {

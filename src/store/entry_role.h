@@ -19,6 +19,10 @@ enum class EntryRole {
 /// A link that is not named like a note is passed over; where it leads is not asked.
 EntryRole entryRole(const ports::FolderEntry& entry);
 
+/// The same in a folder of the data folder, given relative to it. Saved filters have no extension:
+/// below "Filters" each file of an ordinary name counts as a note does elsewhere.
+EntryRole entryRoleIn(std::string_view folder, const ports::FolderEntry& entry);
+
 /// Whether a file may be a conflict copy by its name, be it a note's name or not. To know, its
 /// folder's notes must be asked (`NotesByName`).
 bool mayBeConflictCopy(const ports::FolderEntry& entry);

@@ -87,8 +87,8 @@ std::vector<CloudNote> CloudSync::trulyChanged(std::vector<CloudNote> doubtful) 
 }
 
 bool CloudSync::hasOtherText(const CloudNote& note) {
-    // Of what lies in the trash nobody holds the text.
-    if (note.base == NoteType::trash) {
+    // Of what lies in the trash nobody holds the text, nor of a filter, which is read when used.
+    if (note.base == NoteType::trash || note.base == NoteType::filters) {
         return false;
     }
     const auto known = _tools.knownText

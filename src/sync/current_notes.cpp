@@ -64,7 +64,7 @@ CurrentNotes::Differences CurrentNotes::replaceFolder(std::string_view folder,
     Entries next;
     next.reserve(entries.size());
     for (ports::SurveyedEntry& found : entries) {
-        if (auto entry = entryOf(std::move(found), lookedAt)) {
+        if (auto entry = entryOf(folder, std::move(found), lookedAt)) {
             next.push_back(*std::move(entry));
         }
     }
@@ -86,7 +86,7 @@ CurrentNotes::Differences CurrentNotes::replaceEntries(std::string_view folder,
     std::vector<std::optional<Entry>> next;
     bool mayHoldCopies = held->second.mayHoldCopies;
     for (Found& one : found) {
-        next.push_back(one.entry ? entryOf(*std::move(one.entry), lookedAt) : std::nullopt);
+        next.push_back(one.entry ? entryOf(folder, *std::move(one.entry), lookedAt) : std::nullopt);
         mayHoldCopies |= next.back() && next.back()->mayBeCopy;
     }
     if (mayHoldCopies) {
@@ -138,9 +138,10 @@ std::size_t CurrentNotes::files() const {
     return count;
 }
 
-std::optional<CurrentNotes::Entry> CurrentNotes::entryOf(ports::SurveyedEntry&& found,
+std::optional<CurrentNotes::Entry> CurrentNotes::entryOf(std::string_view folder,
+                                                         ports::SurveyedEntry&& found,
                                                          base::Instant lookedAt) {
-    const EntryRole known = store::entryRole(found);
+    const EntryRole known = store::entryRoleIn(folder, found);
     const bool mayBeCopy = store::mayBeConflictCopy(found);
     Role role = Role::copyOnly;
     if (known == EntryRole::note) {

@@ -111,7 +111,8 @@ private:
         std::vector<std::string> goneFolders;
     };
 
-    static std::optional<Entry> entryOf(ports::SurveyedEntry&& found, base::Instant lookedAt);
+    static std::optional<Entry> entryOf(std::string_view folder, ports::SurveyedEntry&& found,
+                                        base::Instant lookedAt);
     static Entries::iterator placeOf(Entries& entries, std::string_view name);
     static void setAside(Folder& folder);
     static void settle(Entry& entry);

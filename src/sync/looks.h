@@ -16,7 +16,7 @@ namespace tessaly::sync {
 
 /// The kinds whose folders are watched, in the order in which they are looked at.
 inline constexpr std::array watchedKinds{base::NoteType::note, base::NoteType::calendar,
-                                         base::NoteType::trash};
+                                         base::NoteType::trash, base::NoteType::filters};
 
 /// Whether a path relative to the root is one that a change can matter of: a kind's folder, or what
 /// lies below it and is neither hidden nor a temporary or backup file.

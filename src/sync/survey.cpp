@@ -138,7 +138,7 @@ Survey::Found Survey::trees(const std::vector<std::string>& folders) const {
                   [](const auto& a, const auto& b) { return a.name < b.name; });
         for (const SurveyedEntry& entry : whole.entries) {
             if (entry.kind == SurveyedEntry::Kind::folder &&
-                store::entryRole(entry) == store::EntryRole::folder) {
+                store::entryRoleIn(folder, entry) == store::EntryRole::folder) {
                 queue.push(store::joined(folder, entry.name));
             }
         }

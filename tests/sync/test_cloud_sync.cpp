@@ -91,17 +91,23 @@ TEST_CASE("what happens to files is told") {
     CHECK(watched.toldThen() == "later: -Notes/deep/ -Notes/deep/er/ -Notes/deep/er/c.txt");
 }
 
-TEST_CASE("hidden and temporary names never arrive, the trash does") {
+TEST_CASE("hidden and temporary names never arrive, the trash and filters do") {
     Watched watched;
-    for (const char* name :
-         {"Notes/.DS_Store", "Notes/.hidden/a.txt", "Notes/_attachments/a.txt", "Notes/a.txt~",
-          "Notes/.~a.txt.12ab~", "Filters/a.txt", "a.txt", ".Trash/.b.txt"}) {
+    for (const char* name : {"Notes/.DS_Store", "Notes/.hidden/a.txt", "Notes/_attachments/a.txt",
+                             "Notes/a.txt~", "Notes/.~a.txt.12ab~", "Filters/.a", "Filters/a~",
+                             "Filters/sub/a", "a.txt", ".Trash/.b.txt"}) {
         watched.write(name, "new");
     }
     watched.query.notice("", Reach::tree);
     CHECK(watched.toldThen() == "");
     watched.write(".Trash/a.txt", "new");
     CHECK(watched.toldThen() == "later: +.Trash/a.txt");
+    watched.write("Filters/This week", "new");
+    CHECK(watched.toldThen() == "later: +Filters/This week");
+    watched.write("Filters/This week", "other text");
+    CHECK(watched.toldThen() == "later: ~Filters/This week");
+    watched.remove("Filters/This week");
+    CHECK(watched.toldThen() == "later: -Filters/This week");
     REQUIRE(watched.query.isRunning());
 }
 
