@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 
 #include "base/day.h"
 
@@ -14,9 +15,7 @@ struct DayRange {
     std::optional<base::Day> last;
 
     bool isOpen() const { return !first && !last; }
-    bool holds(base::Day day) const {
-        return (!first || *first <= day) && (!last || day <= *last);
-    }
+    bool holds(base::Day day) const { return (!first || *first <= day) && (!last || day <= *last); }
     /// The days of both.
     DayRange with(const DayRange& other) const {
         DayRange both = *this;
@@ -31,5 +30,8 @@ struct DayRange {
 
     bool operator==(const DayRange&) const = default;
 };
+
+/// In words for the user; empty for an open range.
+std::string explainDays(const DayRange& days);
 
 }  // namespace tessaly::search
