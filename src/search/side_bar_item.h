@@ -6,16 +6,18 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 #include "base/enum_names.h"
 #include "store/cached_notes.h"
+#include "store/loaded_note.h"
 
 namespace tessaly::search {
 
 /// The kind of a row of the sidebar.
-enum class SideBarItemType {
+enum class SideBarItemType : std::uint8_t {
     header,
     hashtag,
     attag,
@@ -56,25 +58,47 @@ enum class SideBarMenu {
     root
 };
 
-/// One row of the sidebar; owns the rows below it.
+/// One row of the sidebar; owns the rows below it. Texts are views: a hundred thousand rows share
+/// those of the notes.
 class SideBarItem {
 public:
+    using Rows = std::vector<std::unique_ptr<SideBarItem>>;
+    /// What is behind the row, and holds its text: a note or folder, a tag with its count, or, of a
+    /// filter, a fixed row, and a folder or tag that is only there for what it holds, the name.
+    using Object = std::variant<std::shared_ptr<const std::string>, store::GeneralNotes::Pointer,
+                                store::TagCounts::Pointer>;
+
+    SideBarItem() = default;
+    explicit SideBarItem(SideBarItemType kind) : type(kind) {}
+    SideBarItem(SideBarItem&&) = delete;
+
     SideBarItemType type = SideBarItemType::empty;
-    std::string text;         ///< the tag, the folder's or note's file name, the filter's name
-    std::string displayText;  ///< in the user's words
-    std::vector<std::shared_ptr<SideBarItem>> subItems;  ///< in display order
     bool isExpanded = false;
-    bool isSubItem = false;  ///< has a parent
-    int subItemLevel = 0;    ///< depth below the top level
-    bool isVisible = true;   ///< all rows above it are expanded
-    int parentIndex = -1;    ///< of its parent among that one's siblings; -1: none
-    /// The note behind the row.
-    std::variant<std::monostate, store::GeneralNotes::Pointer> object;
-    std::weak_ptr<SideBarItem> parent;
+    int subItemLevel = 0;  ///< depth below the top level
+    /// The key: the tag, the folder's or note's file name relative to the notes' folder, the
+    /// filter's name, the fixed row's name.
+    std::string_view text;
+    std::string_view displayText;  ///< in the user's words; of a nested folder or tag its last part
+    Rows subItems;                 ///< in display order
+    Object object;
+    SideBarItem* parent = nullptr;  ///< null at the top level
     /// Notes that hold the tag, or lie in the folder or below; 0 where nothing is counted.
     std::size_t count = 0;
+
+    bool isSubItem() const { return parent != nullptr; }
+    /// Whether all rows above it are expanded.
+    bool isVisible() const;
+
+    /// Null: there is no note or folder of the cache behind it.
+    const store::LoadedNote* note() const;
+
+    void showNote(store::GeneralNotes::Pointer shown);
+    /// `displayFrom`: the byte of the tag that its last part begins with.
+    void showTag(store::TagCounts::Pointer shown, std::size_t displayFrom);
+    void showName(std::string name, std::size_t displayFrom = 0);
 };
 
+/// A note in the archive belongs to that.
 SideBarMenu menuOf(const SideBarItem& item);
 
 }  // namespace tessaly::search

@@ -125,6 +125,9 @@ bool Globals::isSmartMarkdownLink() const {
 base::SortType Globals::sortBy() const {
     return getEnum<base::SortType>("sortBy");
 }
+std::vector<std::string> Globals::expandedSideBarItems() const {
+    return get<std::vector<std::string>>("expandedSideBarItems");
+}
 std::vector<std::string> Globals::blackListedCalendarId() const {
     return get<std::vector<std::string>>("sync_blacklist");
 }

@@ -49,6 +49,7 @@ public:
     bool isTasksInMonthlyCalendar() const;
     bool isSmartMarkdownLink() const;
     base::SortType sortBy() const;
+    std::vector<std::string> expandedSideBarItems() const;
     std::vector<std::string> blackListedCalendarId() const;  ///< stored as "sync_blacklist"
     bool isIconBadge() const;
     bool allowAccessLater() const;

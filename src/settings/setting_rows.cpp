@@ -43,6 +43,9 @@ constexpr std::array rows{
     SettingRow{"isTasksInMonthlyCalendar", boolean, "on", N_("Show tasks in the month view")},
     SettingRow{"isSmartMarkdownLink", boolean, "on", N_("Smart Markdown links in the editor")},
     SettingRow{"sortBy", sortType, "modified", N_("Order of note lists")},
+    SettingRow{"expandedSideBarItems", textList,
+               "section:Calendar, section:Notes, section:Views, section:Hashtags, section:Mentions",
+               N_("Rows of the sidebar that show what is below them")},
     SettingRow{"sync_blacklist", textList, "",
                N_("Identifiers of the calendars that are not "
                   "shown")},
