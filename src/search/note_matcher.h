@@ -1,92 +1,45 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <limits>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/day.h"
-#include "base/note_type.h"
-#include "grammar/line_scanner.h"
-#include "grammar/todo.h"
 #include "search/filter_conditions.h"
-#include "search/folded_text.h"
-#include "search/needle.h"
+#include "search/line_test.h"
+#include "search/note_matches.h"
+#include "search/note_walk.h"
 #include "search/search_query.h"
+#include "search/searched_note.h"
 
 namespace tessaly::search {
 
-/// Where a task stands in a note's folded text.
-struct TaskPlace {
-    std::uint32_t start = 0;  ///< of its line, in bytes of the folded text
-    std::uint32_t lineIndex : 28 = 0;
-    std::uint32_t type : 4 = 0;  ///< `grammar::TodoType`; a task's
-};
-
-/// The tasks of a note in order; `text` is its content, `foldedText` its folded form or the same
-/// bytes.
-std::vector<TaskPlace> tasksOf(std::string_view text, std::string_view foldedText,
-                               const grammar::MarkerSettings& markers,
-                               grammar::NoteScanner& scanner);
-
-/// A note as it is searched; all of it lives as long as the note.
-struct SearchedNote {
-    base::NoteType type = base::NoteType::none;
-    std::string_view filename;  ///< relative to its kind's folder
-    std::string_view title;     ///< as lists show it
-    std::string_view foldedTitle;
-    std::string_view foldedFolder;  ///< "Notes/work": as `isInFolder` takes it
-    std::optional<base::Day> day;   ///< of a calendar note
-    base::Day changedDay{};         ///< the local day of its last change
-    std::string_view text;          ///< without a byte-order mark
-    std::string_view foldedText;    ///< `folded(text)`, or `text` itself where it needs no folding
-    std::span<const TaskPlace> tasks;
-};
-
-/// A line that matched.
-struct LineMatch {
-    std::size_t lineIndex = 0;  ///< from 0
-    Stretch line;               ///< in the folded text, without "\n"
-    Stretch match;              ///< in the folded text; empty at the line's start: all of it matches
-    grammar::TodoType type = grammar::TodoType::text;  ///< of other than tasks not known: `text`
-    /// 0: the whole text stands there (or the tag); 1: its words do, apart.
-    std::uint8_t rank = 0;
-};
-
-/// The rows that a note gives.
-struct NoteMatches {
-    std::vector<LineMatch> lines;  ///< each a row; by rank, then by line
-    /// The note has a row of its own, for its title or lines that are no rows themselves: the first
-    /// of these, or, when only the title matched, nothing.
-    bool hasNoteRow = false;
-    std::optional<LineMatch> noteLine;
-    std::size_t rows = 0;      ///< of all ranks; also when nothing is collected
-    std::size_t taskRows = 0;  ///< of these, those that are tasks
-    /// A tag search: rows of lines that hold the token as part of a longer word only. They count
-    /// (and are kept, with rank 1) beside `rows`, for when no note at all has others.
-    std::size_t textRows = 0;
-    std::size_t textTaskRows = 0;
-};
-
 /// A query and a filter, ready to be asked of notes. A value that does not change; any thread.
+///
+/// - A task's line that matches is a row, when the queries and the filter want its state.
+/// - Other lines give their note's row, or, where the filter wants lines without a state, are rows
+///   themselves; the line of a general note's title is never one.
+/// - A query without text matches every line that is not blank; without a filter, one that asks of
+///   notes only gives but their rows.
+/// - A title matches as a line does, where there is a text to look for.
+/// - The day of a task is its first schedule tag's, else its calendar note's; of other lines and of
+///   notes the calendar note's, else that of the last change. What has none is in no bounded range.
 class NoteMatcher {
 public:
-    /// All queries hold (the second is the filter's keyword); the first that has a text gives the
-    /// highlight. Ranks come from it, too.
-    NoteMatcher(std::vector<SearchQuery> queries, FilterConditions filter);
+    /// All queries hold (the second is the filter's keyword); the first that has a text gives ranks
+    /// and the highlight; where none has, the first phrase gives the highlight.
+    NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditions filter);
 
     /// Lines that carry a tag or mention (`token` with its sign, folded), one below it ("#a/b" for
-    /// "#a") or it with an argument. Lines in which the token merely occurs are `textRows`.
-    static NoteMatcher forTag(std::string token, FilterConditions filter);
+    /// "#a") or it with an argument. Lines in which the token merely occurs are `textRows`. The
+    /// queries hold beside it.
+    static NoteMatcher forTag(std::string token, FilterConditions filter,
+                              const std::vector<SearchQuery>& queries = {});
 
-    enum class Collect { rows, counts };
-    /// With `counts`, `lines` and `noteLine` stay empty. `matches` is emptied first; giving the same
-    /// again saves allocations.
+    using Collect = search::Collect;
+    /// With `counts`, `lines` and `noteLine` stay empty, and no memory is asked for. `matches` is
+    /// emptied first; giving the same again saves allocations.
     void match(const SearchedNote& note, Collect collect, NoteMatches& matches) const;
 
     /// Whether no line of the text can match, told by the text alone: for who must do much to make
@@ -94,16 +47,25 @@ public:
     bool isTextHopeless(std::string_view foldedText) const;
 
     /// Whether the title of an event or reminder matches; days are not asked here. Where: in the
-    /// folded title.
+    /// folded title; empty: all of it.
     std::optional<Stretch> matchTitle(std::string_view foldedTitle) const;
 
     const DayRange& days() const { return _days; }
     const FilterConditions& filter() const { return _filter; }
 
 private:
-    std::vector<SearchQuery> _queries;
+    NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditions filter, LineTest test);
+
+    bool isAskedOf(const SearchedNote& note) const;
+    NoteWalk::Others othersOf(const SearchedNote& note) const;
+
+    LineTest _test;
     FilterConditions _filter;
-    DayRange _days;  // of the queries and the filter
+    std::vector<Needle> _titles;
+    std::vector<std::vector<std::string>> _folders;  // in one of each
+    LineKinds _kinds = LineKinds::all();             // of the queries
+    DayRange _days;                                  // of the queries and the filter
+    bool _isAboutNotesOnly = false;
 };
 
 }  // namespace tessaly::search

@@ -24,8 +24,8 @@
 namespace tessaly::search {
 
 /// The events and reminders that occur from `first` to `last`. Any thread.
-using CalendarItemsBetween = std::function<std::vector<calendar::CachedCalendarItem>(
-    base::Day first, base::Day last)>;
+using CalendarItemsBetween =
+    std::function<std::vector<calendar::CachedCalendarItem>(base::Day first, base::Day last)>;
 
 /// What a search depends on beside its query.
 struct SearchSettings {
@@ -54,8 +54,8 @@ public:
     /// Rows of a request: `query` exactly as it was given; of a list that is not final the first
     /// rows, with a `loading` row at the end, the rest of the notes being still to be looked at.
     /// On the executor.
-    using Results = std::function<void(const std::string& query, const SearchResults& results,
-                                       bool isFinal)>;
+    using Results =
+        std::function<void(const std::string& query, const SearchResults& results, bool isFinal)>;
     using Finished = std::function<void()>;
 
     struct Request {
@@ -70,8 +70,8 @@ public:
     /// Ends what runs and waits for it.
     ~SearchHelper();
 
-    /// Starts a search and returns at once. `requestId` is a value that `searchId` was incremented to
-    /// for it. A query without text searches `//recent`; see docs/search.md for the rest.
+    /// Starts a search and returns at once. `requestId` is a value that `searchId` was incremented
+    /// to for it. A query without text searches `//recent`; see docs/search.md for the rest.
     void search(std::int64_t requestId, Request request);
 
     /// Makes the cache's notes ready ahead of the first key, or after changes. Returns at once.
@@ -87,10 +87,18 @@ public:
     base::Day searchEnd() const { return _searchEnd; }
 
 private:
+    struct Run;
+
+    void run(std::int64_t requestId, const Request& request);
+    void showList(const Run& run);
+    void searchNotes(const Run& run);
+    void deliver(const Run& run, const SearchResults& results, bool isFinal) const;
+    std::shared_ptr<const NotesInOrder> notes(const SearchSettings& settings, base::Day today);
+
     const Tools _tools;
     base::Day _searchStart;
     base::Day _searchEnd;
-    SearchableNotes _notes;  // who holds the gate
+    SearchableNotes _notes;  ///< who holds the gate
     base::Gate semaphore;    ///< the last member: its end waits for the work in hand
 };
 

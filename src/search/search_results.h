@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -27,6 +28,9 @@ enum class SearchResultType { calendarTodo, noteTodo, event, reminder, note, sec
 /// `firstInGroup`, the last row `last`, also where it is the only one below its section.
 enum class NotesViewItemPosition { firstInGroup, first, inBetween, last };
 
+/// The thing behind a row.
+using FoundObject = std::variant<grammar::Todo, calendar::CachedCalendarItem, store::NoteModel>;
+
 /// One row of a list of results.
 struct SearchResultItem {
     std::int64_t id = 0;  ///< unique within one list, from 1
@@ -37,9 +41,8 @@ struct SearchResultItem {
     SearchResultType type = SearchResultType::note;
     std::string filename;       ///< relative to its kind's folder; empty for events and reminders
     std::string groupFilename;  ///< of the note that it is shown under; of an event that of its day
-    /// What was found; nothing where it was not asked for, and for sections.
-    std::variant<std::monostate, grammar::Todo, calendar::CachedCalendarItem, store::NoteModel>
-        object;
+    /// What was found; null where it was not asked for, and for sections. Copies of a row share it.
+    std::shared_ptr<const FoundObject> object;
     base::TextRange highlightRange;  ///< in `content`, UTF-16 units
     NotesViewItemPosition position = NotesViewItemPosition::inBetween;
     base::NoteType noteType = base::NoteType::none;  ///< of `filename`
