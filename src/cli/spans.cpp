@@ -12,9 +12,9 @@ namespace {
 
 // Numbers of the terminal's own palette, so that lines read well on light and dark grounds alike.
 // By `Style`.
-constexpr std::array<std::string_view, 17> codes{"",     "1;4", "1",  "2",  "36", "35",
+constexpr std::array<std::string_view, 18> codes{"",     "1;4", "1",  "2",  "36", "35",
                                                  "33",   "33",  "32", "2",  "94", "2;9",
-                                                 "1;31", "33",  "32", "31", "36"};
+                                                 "1;31", "33",  "32", "31", "36", "1;31"};
 
 std::string_view codeOf(Style style) {
     return codes[static_cast<std::size_t>(style)];

@@ -29,6 +29,7 @@ enum class Style {
     added,    ///< a line that a change would add
     removed,  ///< a line that a change would take away
     place,    ///< where in a file a change would be
+    match,    ///< what was searched for
 };
 
 /// A piece of one line; its text holds no line break and nothing unsafe.

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "app/note_lists.h"
+#include "app/side_bar_view.h"
 #include "base/graphemes.h"
 #include "cli/context.h"
 #include "cli/json_records.h"
@@ -24,10 +25,11 @@ std::size_t columnOf(const std::vector<app::TagRow>& rows) {
 }
 
 Exit runTagList(Context& context, app::TagKind kind, Style style) {
-    const app::TagRows tags = app::listTags(context.services, kind, context.readOptions());
+    app::TagRows tags = app::listTags(context.services, kind, context.readOptions());
     if (!isComplete(context, tags.report)) {
         return Exit::couldNot;
     }
+    app::sortAsInSideBar(tags.rows);
     const std::size_t column = context.terminal.isTerminal ? columnOf(tags.rows) : 0;
     for (const app::TagRow& row : tags.rows) {
         if (context.invocation.json) {

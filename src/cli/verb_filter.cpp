@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "app/dry_run.h"
+#include "app/note_address.h"
+#include "base/localisation.h"
+#include "cli/context.h"
+#include "cli/file_diffs.h"
+#include "cli/filter_options.h"
+#include "cli/filter_rows.h"
+#include "cli/json_line.h"
+#include "cli/safe_text.h"
+#include "cli/verb_functions.h"
+#include "search/filter_plist.h"
+#include "store/paths.h"
+
+namespace tessaly::cli {
+
+namespace {
+
+using base::tr;
+using search::Filter;
+using Name = base::Result<std::string>;
+
+void printRecord(Context& context, const std::string& name, const Filter& filter) {
+    context.out.line(JsonObject{}.add("name", name).add("items", filterRecords(filter)).text());
+}
+
+Exit showFilter(Context& context, const std::string& name) {
+    const auto filter = context.services.filterHelper().load(name);
+    if (!filter) {
+        return couldNot(context, filter.failure());
+    }
+    if (context.invocation.json) {
+        printRecord(context, name, *filter);
+        return Exit::done;
+    }
+    for (const std::string& line : filterLines(*filter)) {
+        context.out.line(line);
+    }
+    return Exit::done;
+}
+
+Exit listFilters(Context& context) {
+    const auto names = context.services.filterHelper().list();
+    if (!names) {
+        return couldNot(context, names.failure());
+    }
+    Exit exit = Exit::done;
+    for (const std::string& name : *names) {
+        if (!context.invocation.json) {
+            context.out.line(safeText(name));
+        } else if (showFilter(context, name) != Exit::done) {
+            exit = Exit::couldNot;
+        }
+    }
+    if (names->empty() && context.terminal.isTerminal && !context.invocation.json) {
+        context.out.line(tr("No filters are saved."));
+    }
+    return exit;
+}
+
+Exit showOne(Context& context) {
+    return showFilter(context, context.invocation.arguments[1]);
+}
+
+/// What a change of filters came to: what to print, with the name that the filter has then.
+struct FilterChange {
+    Name name;
+    std::string_view did;  // for programs
+    std::string words;
+};
+using Change = std::function<FilterChange(search::FilterHelper filters)>;
+
+/// A file of filters as it would be shown: its bytes are not for people.
+std::string readable(const std::string& bytes) {
+    const auto filter = search::filterFromPlist(bytes);
+    if (!filter) {
+        return tr("no filter that can be read") + "\n";
+    }
+    std::string text;
+    for (const std::string& line : filterLines(*filter)) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+Exit pretend(Context& context, const Change& change) {
+    std::vector<app::FileChange> changes;
+    std::optional<base::Failure> failure;
+    {
+        app::DryRun dryRun{context.services};
+        const Name name = change(dryRun.services().filterHelper()).name;
+        failure = name ? std::nullopt : std::optional(name.failure());
+        changes = dryRun.changes();
+    }
+    if (failure) {
+        return couldNot(context, *failure);
+    }
+    for (app::FileChange& each : changes) {
+        for (std::optional<std::string>* bytes : {&each.before, &each.after}) {
+            *bytes = *bytes ? std::optional(readable(**bytes)) : std::nullopt;
+        }
+    }
+    printDiffs(context, changes);
+    return Exit::done;
+}
+
+Exit make(Context& context, const Change& change) {
+    if (context.invocation.has("--dry-run")) {
+        return pretend(context, change);
+    }
+    const FilterChange done = change(context.services.filterHelper());
+    if (!done.name) {
+        return couldNot(context, done.name.failure());
+    }
+    context.out.line(context.invocation.json
+                         ? JsonObject{}.add("did", done.did).add("name", *done.name).text()
+                         : fmt::format(fmt::runtime(done.words), safeText(*done.name)));
+    return Exit::done;
+}
+
+Exit saveFilter(Context& context) {
+    const auto filter = filterFromOptions(context.invocation, [&](std::string_view text) {
+        return app::parseDay(text, context.services.today(),
+                             context.services.dateStrings().formats());
+    });
+    if (!filter) {
+        complain(filter.failure().description);
+        return Exit::misuse;
+    }
+    return make(context, [&](search::FilterHelper filters) {
+        return FilterChange{filters.save(context.invocation.arguments[1], *filter), "saved",
+                            tr("Saved the filter {}")};
+    });
+}
+
+Exit renameFilter(Context& context) {
+    return make(context, [&](search::FilterHelper filters) {
+        const auto& arguments = context.invocation.arguments;
+        return FilterChange{filters.rename(arguments[1], arguments[2]), "renamed",
+                            tr("The filter is now called {}")};
+    });
+}
+
+Exit deleteFilter(Context& context) {
+    return make(context, [&](search::FilterHelper filters) {
+        return FilterChange{filters.remove(context.invocation.arguments[1]), "trashed",
+                            tr("Moved to the trash: {}")};
+    });
+}
+
+struct Action {
+    std::string_view name;
+    const char* synopsis;   // of its arguments
+    std::size_t arguments;  // with the action itself
+    std::string_view options;
+    Exit (*run)(Context& context);
+};
+
+constexpr std::array actions{
+    Action{"list", "", 1, "", listFilters},
+    Action{"show", "NAME", 2, "", showOne},
+    Action{"save", "NAME", 2, "--state --kind --timeframe --from --to --keyword --dry-run",
+           saveFilter},
+    Action{"rename", "NAME NEW", 3, "--dry-run", renameFilter},
+    Action{"delete", "NAME", 2, "--dry-run", deleteFilter},
+};
+
+/// What is wrong with the words behind the verb; nothing: they fit the action.
+std::optional<std::string> misuseOf(const Action& action, const Invocation& invocation) {
+    const std::string name = fmt::format("filter {}", action.name);
+    const auto& arguments = invocation.arguments;
+    if (arguments.size() < action.arguments) {
+        return fmt::format(fmt::runtime(tr("{} needs {}")), name, action.synopsis);
+    }
+    if (arguments.size() > action.arguments) {
+        return fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
+                           safeText(arguments[action.arguments]));
+    }
+    for (const auto& [option, value] : invocation.options) {
+        if (action.options.find(option) == std::string_view::npos) {
+            return fmt::format(fmt::runtime(tr("{0} has no option {1}")), name, option);
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+Exit runFilter(Context& context) {
+    const auto& arguments = context.invocation.arguments;
+    const auto action = std::find_if(actions.begin(), actions.end(), [&](const Action& row) {
+        return row.name == arguments.front();
+    });
+    const auto misuse = action == actions.end()
+                            ? fmt::format(fmt::runtime(tr("{} needs {}")), "filter",
+                                          context.invocation.verb->synopsis)
+                            : misuseOf(*action, context.invocation);
+    if (misuse) {
+        complain(*misuse);
+        return Exit::misuse;
+    }
+    return action->run(context);
+}
+
+}  // namespace tessaly::cli
