@@ -18,8 +18,8 @@ void addTags(std::ostream& text, const std::vector<std::string>& hashTags,
     }
 }
 
-// Without the date of creation: a file that others put in place of one that reads and is dated alike
-// is no change that is told.
+// Without the date of creation: a file that others put in place of one that reads and is dated
+// alike is no change that is told.
 std::string textOf(const store::LoadedNote& note) {
     std::ostringstream text;
     text << (note.isFolder ? "folder " : "note ") << note.title << " changed "
