@@ -2,29 +2,17 @@
 #include "app/matched_notes.h"
 
 #include <algorithm>
-#include <array>
 #include <tuple>
 
 #include "base/utf8.h"
 #include "grammar/note_title.h"
 #include "search/folded_text.h"
 #include "search/note_lines.h"
-#include "store/note_document.h"
+#include "search/result_rows.h"
 #include "store/note_names.h"
 
 namespace tessaly::app {
 namespace {
-
-/// A character beyond ASCII that folding makes an ASCII one of.
-struct Disguise {
-    char letter;
-    std::string_view character;
-};
-
-// The Greek question mark, the capital I with a dot, the Kelvin sign and the Greek grave accent;
-// there are no others.
-constexpr std::array<Disguise, 4> disguises{
-    {{';', "\u037E"}, {'i', "\u0130"}, {'k', "\u212A"}, {'`', "\u1FEF"}}};
 
 // "notes/work" of "Work/Plans.txt".
 std::string foldedFolderOf(base::NoteType type, std::string_view filename) {
@@ -44,11 +32,6 @@ void keepLine(search::LineMatch& match, search::NoteLines& lines, std::string& k
     kept.append(line).append("\n");
     match.line = {start, start + line.size()};
     match.match = {start + found.start, start + found.end};
-}
-
-// The row of a note in which nothing is marked shows how the note begins.
-bool isMarked(const std::optional<search::LineMatch>& match) {
-    return match && match->match.end > match->match.start;
 }
 
 std::string keptLines(const search::SearchedNote& note, search::NoteMatches& matches) {
@@ -106,68 +89,8 @@ MatchedNote NoteNames::noteOf(const store::NoteFile& file, std::optional<base::D
     return note;
 }
 
-TextVerdict::TextVerdict(const search::NoteMatcher& matcher, std::string_view asked, Asks asks)
-    : _matcher(matcher), _isAscii(base::isAscii(asked)), _isOfLines(asks == Asks::lines) {
-    const std::string lower = search::folded(asked);
-    for (const Disguise& disguise : disguises) {
-        if (lower.find(disguise.letter) != std::string::npos) {
-            _disguises.push_back(disguise.character);
-        }
-    }
-}
-
-bool TextVerdict::isHopeless(std::string_view foldedText) const {
-    return _isOfLines && _matcher.isTextHopeless(foldedText);
-}
-
-// Folding makes ASCII characters of no others but those in disguise, and brings no two together
-// that were apart: an ASCII text that is not in a note is not in its folded text either.
-bool TextVerdict::isHopelessAsItIs(std::string_view bytes) const {
-    return _isAscii && isHopeless(bytes) &&
-           std::none_of(_disguises.begin(), _disguises.end(), [&](std::string_view character) {
-               return bytes.find(character) != std::string_view::npos;
-           });
-}
-
-// A title is part of the note's text or its name: where both are hopeless, it is, too.
-void MatchCollector::add(const store::NoteFile& file) {
-    const NoteDay noteDay = noteDayOf(file);
-    if (!noteDay.isNote) {
-        return;
-    }
-    std::string name = _tools.names.nameOf(file, noteDay.day);
-    const TextVerdict& verdict = _tools.verdict;
-    if (!verdict.isHopelessAsItIs(file.bytes) || !verdict.isHopelessAsItIs(name)) {
-        addText(file, noteDay.day, std::move(name));
-    }
-}
-
-void MatchCollector::addText(const store::NoteFile& file, std::optional<base::Day> day,
-                             std::string name) {
-    const std::string_view text = store::decodedText(file.bytes).value_or(std::string_view());
-    const std::string foldedCopy =
-        search::needsFolding(text) ? search::folded(text) : std::string();
-    const std::string_view foldedText = foldedCopy.empty() ? text : foldedCopy;
-    if (_tools.verdict.isHopeless(foldedText) && _tools.verdict.isHopeless(search::folded(name))) {
-        return;
-    }
-    MatchedNote note = _tools.names.noteOf(file, day, std::move(name), text);
-    const auto tasks = search::tasksOf(text, foldedText, _tools.markers, _scanner);
-    search::SearchedNote searched = note.view();
-    searched.text = text;
-    searched.foldedText = foldedText;
-    searched.tasks = tasks;
-    _tools.matcher.match(searched, search::NoteMatcher::Collect::rows, _matches);
-    if (_matches.rows + _matches.textRows > 0) {
-        note.matches = _matches;
-        keepText(note, searched, _tools.kept);
-        _notes.push_back(std::move(note));
-    }
-}
-
 void keepText(MatchedNote& note, const search::SearchedNote& searched, KeptText kept) {
-    const bool showsMore = note.matches.hasNoteRow && !isMarked(note.matches.noteLine);
-    if (kept == KeptText::matches && !showsMore) {
+    if (kept == KeptText::matches && !search::ResultRows::needWholeText(note.matches)) {
         note.text = keptLines(searched, note.matches);
         return;
     }

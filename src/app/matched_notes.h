@@ -4,15 +4,12 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include "base/day.h"
 #include "base/note_type.h"
 #include "base/sort_type.h"
 #include "grammar/date_string_helper.h"
-#include "grammar/line_scanner.h"
 #include "ports/clock.h"
 #include "search/note_matcher.h"
 #include "search/note_order.h"
@@ -66,53 +63,6 @@ private:
     const grammar::DateStringHelper& _names;
     ports::Clock& _clock;
     const base::Day _today;
-};
-
-/// Tells by its text that a note need not be looked at. A value that does not change; any thread.
-class TextVerdict {
-public:
-    /// Whether anything is asked of lines, or only of notes as such: then no text tells.
-    enum class Asks { lines, notesOnly };
-
-    /// The matcher outlives it. `asked`: all that it looks for, in one text.
-    TextVerdict(const search::NoteMatcher& matcher, std::string_view asked, Asks asks);
-
-    /// Whether neither a line nor a title that is part of the text can match.
-    bool isHopeless(std::string_view foldedText) const;
-    /// The same of text that is not folded, or of bytes of any kind. False: perhaps.
-    bool isHopelessAsItIs(std::string_view bytes) const;
-
-private:
-    const search::NoteMatcher& _matcher;
-    const bool _isAscii;  // all that is asked
-    const bool _isOfLines;
-    std::vector<std::string_view> _disguises;  // of letters that are asked
-};
-
-/// Takes the notes with matches out of those that one thread reads.
-class MatchCollector {
-public:
-    /// What the collectors of one search share; all of it outlives them.
-    struct Tools {
-        const search::NoteMatcher& matcher;
-        const TextVerdict& verdict;
-        const NoteNames& names;
-        grammar::MarkerSettings markers;
-        KeptText kept;
-    };
-
-    explicit MatchCollector(const Tools& tools) : _tools(tools) {}
-
-    void add(const store::NoteFile& file);
-    std::vector<MatchedNote> take() { return std::move(_notes); }
-
-private:
-    void addText(const store::NoteFile& file, std::optional<base::Day> day, std::string name);
-
-    const Tools _tools;
-    grammar::NoteScanner _scanner;
-    search::NoteMatches _matches;
-    std::vector<MatchedNote> _notes;
 };
 
 /// The day of a calendar note. A file in the calendar's folder that is of no day is no note.

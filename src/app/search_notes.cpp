@@ -5,6 +5,8 @@
 #include <span>
 #include <utility>
 
+#include "app/candidate_lines.h"
+#include "app/match_collector.h"
 #include "app/matched_notes.h"
 #include "app/note_address.h"
 #include "base/localisation.h"
@@ -32,19 +34,6 @@ search::ParseDay dayParser(Services& services) {
 search::SearchPlan planOf(Services& services, const NoteSearch& wanted) {
     return search::planSearch(wanted.query, wanted.filter, services.today(),
                               services.globals().firstDayOfWeek(), dayParser(services));
-}
-
-TextVerdict verdictOf(Services& services, const NoteSearch& wanted,
-                      const search::NoteMatcher& matcher) {
-    std::string asked = wanted.query;
-    for (const search::FilterItem& item : wanted.filter) {
-        asked.append("\n").append(item.value());
-    }
-    const auto routed = search::routeQuery(wanted.query, !wanted.filter.empty());
-    const bool isAboutNotes =
-        routed.route == SearchRoute::text &&
-        search::readQuery(routed.query, dayParser(services)).isAboutNotesOnly();
-    return {matcher, asked, isAboutNotes ? TextVerdict::Asks::notesOnly : TextVerdict::Asks::lines};
 }
 
 /// The notes of the inbox, out of those that one thread reads.
@@ -165,8 +154,9 @@ private:
     }
 
     FoundNotes findMatches(const search::NoteMatcher& matcher) {
-        const TextVerdict verdict = verdictOf(_services, _wanted, matcher);
-        return find(MatchCollector({matcher, verdict, _names, _settings.counting.markers, kept()}));
+        const CandidateLines candidates(matcher);
+        return find(
+            MatchCollector({matcher, candidates, _names, _settings.counting.markers, kept()}));
     }
 
     FoundNotes findInbox() {

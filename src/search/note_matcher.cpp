@@ -86,11 +86,6 @@ NoteWalk::Others NoteMatcher::othersOf(const SearchedNote& note) const {
     return others;
 }
 
-bool NoteMatcher::isTextHopeless(std::string_view foldedText) const {
-    return foldedText.empty() || _isAboutNotesOnly || _test.isHopeless() ||
-           !_test.candidate().isIn(foldedText);
-}
-
 std::optional<Stretch> NoteMatcher::matchTitle(std::string_view foldedTitle) const {
     if (!_kinds.hasOther() || !_titles.empty() || !_folders.empty()) {
         return std::nullopt;

@@ -42,9 +42,9 @@ public:
     /// emptied first; giving the same again saves allocations.
     void match(const SearchedNote& note, Collect collect, NoteMatches& matches) const;
 
-    /// Whether no line of the text can match, told by the text alone: for who must do much to make
-    /// a `SearchedNote`. The title may match all the same.
-    bool isTextHopeless(std::string_view foldedText) const;
+    /// What each line and title that matches holds; empty: there is no such text. For who must do
+    /// much to make a `SearchedNote`, and asks for this first.
+    const Needle& candidate() const { return _test.candidate(); }
 
     /// Whether the title of an event or reminder matches; days are not asked here. Where: in the
     /// folded title; empty: all of it.

@@ -167,8 +167,8 @@ std::string faultOf(const PlainNote& note, const Asked& asked, Prepared::Copy co
         return "place of the note's line";
     }
     const bool isAnyLine = !expected.lines.empty() || expected.noteLine;
-    if (isAnyLine && matcher.isTextHopeless(prepared.foldedText())) {
-        return "hopeless";
+    if (isAnyLine && !matcher.candidate().isIn(prepared.foldedText())) {
+        return "candidate";
     }
     matcher.match(prepared.view(), Collect::counts, matches);
     const bool isCounted = countsOf(matches) == countsOf(expected, asked) &&
