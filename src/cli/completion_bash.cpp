@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -11,8 +15,11 @@ namespace tessaly::cli {
 
 namespace {
 
-constexpr std::array<std::string_view, 7> kindNames{"nothing", "words",  "words",     "note",
-                                                    "file",    "folder", "settingKey"};
+constexpr std::array<std::string_view, 8> kindNames{"nothing", "words",  "words",      "note",
+                                                    "file",    "folder", "settingKey", "filter"};
+
+// Of the option that the script passes on.
+constexpr std::string_view rootPattern = "*:--root";
 
 std::string_view nameOf(Completion completion) {
     return kindNames[static_cast<std::size_t>(completion)];
@@ -44,36 +51,44 @@ std::string verbArms() {
     return text;
 }
 
-void addValueArms(std::string& text, std::span<const OptionRow> options) {
-    for (const OptionRow& row : options) {
-        if (row.argument != nullptr) {
-            text += fmt::format("    {})\n        isValue=1 kind={} words={}\n        ;;\n",
-                                row.name, nameOf(row.completion), quoted(row.words));
+struct ValueOption {
+    std::string pattern;  // of the verb, ':' and the option
+    const OptionRow* row;
+};
+
+/// The options with a value. What a verb takes for one of its own is no other verb's matter.
+std::vector<ValueOption> valueOptions() {
+    std::vector<ValueOption> all;
+    const auto add = [&all](std::string_view verb, std::span<const OptionRow> options) {
+        for (const OptionRow& row : options) {
+            if (row.argument != nullptr) {
+                all.push_back({fmt::format("{}:{}", verb, row.name), &row});
+            }
         }
+    };
+    add("*", globalOptions());
+    for (const VerbRow& verb : verbs()) {
+        add(verb.name, verb.options);
     }
+    return all;
 }
 
 std::string valueArms() {
     std::string text;
-    addValueArms(text, globalOptions());
-    for (const VerbRow& verb : verbs()) {
-        addValueArms(text, verb.options);
+    for (const auto& [pattern, row] : valueOptions()) {
+        text += fmt::format("    {})\n        isValue=1 kind={} words={}\n        ;;\n", pattern,
+                            nameOf(row->completion), quoted(row->words));
     }
     return text;
 }
 
-std::string valueOptions() {
+std::string valuePatterns() {
     std::string text;
-    const auto add = [&text](std::span<const OptionRow> options) {
-        for (const OptionRow& row : options) {
-            if (row.argument != nullptr && std::string_view{row.name} != "--root") {
-                text.append(text.empty() ? "" : " | ").append(row.name);
-            }
+    for (const auto& [pattern, row] : valueOptions()) {
+        if (pattern == rootPattern) {
+            continue;
         }
-    };
-    add(globalOptions());
-    for (const VerbRow& verb : verbs()) {
-        add(verb.options);
+        text.append(text.empty() ? "" : " | ").append(pattern);
     }
     return text;
 }
@@ -84,32 +99,34 @@ std::string bashCompletion() {
     return fmt::format(R"(# SPDX-License-Identifier: MIT
 # bash completion for tessaly; made by: tessaly --dump completion-bash
 
-_tessaly_notes() {{
+_tessaly_names() {{
     local name
     compopt -o filenames
     while IFS= read -r name; do
-        name=${{name%%  *}}
         [[ $name == "$1"* ]] && COMPREPLY+=("$name")
-    done < <(tessaly "${{root[@]}}" list --all 2>/dev/null)
+    done
 }}
 
 _tessaly() {{
     local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}}
-    local verb= words={verbs} options={globals} kind=words
+    local verb= word words={verbs} options={globals} kind=words
     local -i i count=0 most=1 isValue=0
     local -a root=()
     COMPREPLY=()
     for ((i = 1; i < COMP_CWORD; ++i)); do
-        case ${{COMP_WORDS[i]}} in
-        --root) root=(--root "${{COMP_WORDS[++i]}}") ;;
-        {valueOptions}) ((++i)) ;;
-        -*) ;;
-        *) if [[ $verb ]]; then ((++count)); else verb=${{COMP_WORDS[i]}}; fi ;;
+        word=${{COMP_WORDS[i]}}
+        if [[ $word != -* ]]; then
+            if [[ $verb ]]; then ((++count)); else verb=$word; fi
+            continue
+        fi
+        case $verb:$word in
+        {rootPattern}) root=(--root "${{COMP_WORDS[++i]}}") ;;
+        {valuePatterns}) ((++i)) ;;
         esac
     done
     case $verb in
 {verbArms}    esac
-    case $previous in
+    case $verb:$previous in
 {valueArms}    esac
     if ((!isValue)) && [[ $current == -* ]]; then
         kind=words words=$options
@@ -121,11 +138,19 @@ _tessaly() {{
         ((count)) && words=
         ((count == 1)) && words={keys}
         ;;
-    note) _tessaly_notes "${{current//\\/}}" ;;
+    filter)
+        ((isValue || count == 1)) &&
+            _tessaly_names "${{current//\\/}}" < <(tessaly "${{root[@]}}" filter list 2>/dev/null)
+        ((count)) && words=
+        ;;
+    note)
+        _tessaly_names "${{current//\\/}}" < <(
+            tessaly "${{root[@]}}" list --all 2>/dev/null | sed 's/  .*//'
+        )
+        ;;
     file) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     folder) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     esac
-    local word
     for word in $words; do
         [[ $word == "$current"* ]] && COMPREPLY+=("$word")
     done
@@ -135,7 +160,8 @@ complete -F _tessaly tessaly
 )",
                        fmt::arg("verbs", quoted(verbNames())),
                        fmt::arg("globals", quoted(names(globalOptions()))),
-                       fmt::arg("valueOptions", valueOptions()), fmt::arg("verbArms", verbArms()),
+                       fmt::arg("rootPattern", rootPattern),
+                       fmt::arg("valuePatterns", valuePatterns()), fmt::arg("verbArms", verbArms()),
                        fmt::arg("valueArms", valueArms()), fmt::arg("keys", quoted(settingKeys())));
 }
 

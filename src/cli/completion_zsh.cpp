@@ -26,6 +26,7 @@ std::string actionOf(Completion completion, std::string_view words) {
         case Completion::words:
         case Completion::day: return fmt::format("({})", words);
         case Completion::note: return "_tessaly_notes";
+        case Completion::filter: return "_tessaly_filters";
         case Completion::file: return "_files";
         case Completion::folder: return "_files -/";
         default: return " ";
@@ -59,15 +60,17 @@ std::string verbDescriptions() {
 }
 
 std::string argumentRules(const VerbRow& verb) {
-    if (verb.completion.completion == Completion::settingKey) {
-        return fmt::format(" {} {}", quoted(fmt::format("1:action:({})", verb.completion.words)),
-                           quoted(fmt::format("2:KEY:({})", settingKeys())));
+    const auto [completion, words] = verb.completion;
+    if (completion == Completion::settingKey || completion == Completion::filter) {
+        const std::string names = completion == Completion::filter
+                                      ? "NAME:" + actionOf(completion, {})
+                                      : fmt::format("KEY:({})", settingKeys());
+        return " " + quoted(fmt::format("1:action:({})", words)) + " " + quoted("2:" + names);
     }
     if (verb.most == 0) {
         return {};
     }
-    return " " + quoted(fmt::format("1:argument:{}",
-                                    actionOf(verb.completion.completion, verb.completion.words)));
+    return " " + quoted(fmt::format("1:argument:{}", actionOf(completion, words)));
 }
 
 std::string verbArms() {
@@ -90,6 +93,11 @@ _tessaly_notes() {{
     local -a names days=(today tomorrow yesterday)
     names=(${{${{(f)"$(_call_program notes tessaly list --all 2>/dev/null)"}}%%  *}})
     compadd -a days
+    compadd -a names
+}}
+
+_tessaly_filters() {{
+    local -a names=(${{(f)"$(_call_program filters tessaly filter list 2>/dev/null)"}})
     compadd -a names
 }}
 

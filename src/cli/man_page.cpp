@@ -21,7 +21,10 @@ constexpr std::size_t sourceColumns = 79;
 std::string roff(std::string_view text) {
     std::string escaped;
     for (const char c : text) {
-        escaped += c == '\\' ? "\\e" : c == '-' ? "\\-" : std::string(1, c);
+        escaped += c == '\\'  ? "\\e"
+                   : c == '-' ? "\\-"
+                   : c == '"' ? "\\(dq"  // alone it would end an argument
+                              : std::string(1, c);
     }
     return escaped;
 }

@@ -19,6 +19,7 @@
 #include "cli/filter_rows.h"
 #include "cli/json_line.h"
 #include "cli/safe_text.h"
+#include "cli/verb_action.h"
 #include "cli/verb_functions.h"
 #include "search/filter_plist.h"
 #include "store/paths.h"
@@ -159,47 +160,20 @@ Exit deleteFilter(Context& context) {
     });
 }
 
-struct Action {
-    std::string_view name;
-    const char* synopsis;   // of its arguments
-    std::size_t arguments;  // with the action itself
-    std::string_view options;
-    Exit (*run)(Context& context);
-};
-
 constexpr std::array actions{
-    Action{"list", "", 1, "", listFilters},
-    Action{"show", "NAME", 2, "", showOne},
-    Action{"save", "NAME", 2, "--state --kind --timeframe --from --to --keyword --dry-run",
-           saveFilter},
-    Action{"rename", "NAME NEW", 3, "--dry-run", renameFilter},
-    Action{"delete", "NAME", 2, "--dry-run", deleteFilter},
+    VerbAction{"list", "", 1, 1, "", listFilters},
+    VerbAction{"show", "NAME", 2, 2, "", showOne},
+    VerbAction{"save", "NAME", 2, 2, "--state --kind --timeframe --from --to --keyword --dry-run",
+               saveFilter},
+    VerbAction{"rename", "NAME NEW", 3, 3, "--dry-run", renameFilter},
+    VerbAction{"delete", "NAME", 2, 2, "--dry-run", deleteFilter},
 };
-
-/// What is wrong with the words behind the verb; nothing: they fit the action.
-std::optional<std::string> misuseOf(const Action& action, const Invocation& invocation) {
-    const std::string name = fmt::format("filter {}", action.name);
-    const auto& arguments = invocation.arguments;
-    if (arguments.size() < action.arguments) {
-        return fmt::format(fmt::runtime(tr("{} needs {}")), name, action.synopsis);
-    }
-    if (arguments.size() > action.arguments) {
-        return fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
-                           safeText(arguments[action.arguments]));
-    }
-    for (const auto& [option, value] : invocation.options) {
-        if (action.options.find(option) == std::string_view::npos) {
-            return fmt::format(fmt::runtime(tr("{0} has no option {1}")), name, option);
-        }
-    }
-    return std::nullopt;
-}
 
 }  // namespace
 
 Exit runFilter(Context& context) {
     const auto& arguments = context.invocation.arguments;
-    const auto action = std::find_if(actions.begin(), actions.end(), [&](const Action& row) {
+    const auto action = std::find_if(actions.begin(), actions.end(), [&](const VerbAction& row) {
         return row.name == arguments.front();
     });
     const auto misuse = action == actions.end()

@@ -13,7 +13,7 @@
 #include "cli/context.h"
 #include "cli/history_rows.h"
 #include "cli/note_text.h"
-#include "cli/safe_text.h"
+#include "cli/verb_action.h"
 #include "cli/verb_functions.h"
 #include "store/note_document.h"
 
@@ -135,53 +135,24 @@ Exit clearTexts(Context& context) {
     return Exit::done;
 }
 
-struct Action {
-    std::string_view name;      // none: a note, or nothing, is named
-    std::string_view synopsis;  // of its arguments
-    std::size_t fewest;         // arguments, with the action itself
-    std::size_t most;
-    std::string_view options;  // what it takes of those of the verb
-    Exit (*run)(Context& context);
-};
-
 constexpr std::array actions{
-    Action{"show", "ID", 2, 2, "", showText},
-    Action{"restore", "ID", 2, 2, "--to --dry-run", restoreText},
-    Action{"clear", "[NOTE]", 1, 2, "--yes --dry-run", clearTexts},
-    Action{"", "[NOTE]", 0, 1, "", listAll},
+    VerbAction{"show", "ID", 2, 2, "", showText},
+    VerbAction{"restore", "ID", 2, 2, "--to --dry-run", restoreText},
+    VerbAction{"clear", "[NOTE]", 1, 2, "--yes --dry-run", clearTexts},
+    VerbAction{"", "[NOTE]", 0, 1, "", listAll},
 };
 
-const Action& actionOf(const std::vector<std::string>& arguments) {
-    const auto named = std::find_if(actions.begin(), actions.end() - 1, [&](const Action& row) {
+const VerbAction& actionOf(const std::vector<std::string>& arguments) {
+    const auto named = std::find_if(actions.begin(), actions.end() - 1, [&](const VerbAction& row) {
         return !arguments.empty() && row.name == arguments.front();
     });
     return *named;
 }
 
-/// What is wrong with the words behind the verb; nothing: they fit the action.
-std::optional<std::string> misuseOf(const Action& action, const Invocation& invocation) {
-    const std::string name =
-        fmt::format("history{}{}", action.name.empty() ? "" : " ", action.name);
-    const auto& arguments = invocation.arguments;
-    if (arguments.size() < action.fewest) {
-        return fmt::format(fmt::runtime(tr("{} needs {}")), name, action.synopsis);
-    }
-    if (arguments.size() > action.most) {
-        return fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
-                           safeText(arguments[action.most]));
-    }
-    for (const auto& [option, value] : invocation.options) {
-        if (action.options.find(option) == std::string_view::npos) {
-            return fmt::format(fmt::runtime(tr("{0} has no option {1}")), name, option);
-        }
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 Exit runHistory(Context& context) {
-    const Action& action = actionOf(context.invocation.arguments);
+    const VerbAction& action = actionOf(context.invocation.arguments);
     if (const auto misuse = misuseOf(action, context.invocation)) {
         complain(*misuse);
         return Exit::misuse;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 
@@ -19,6 +20,9 @@ std::span<const VerbRow> taskVerbs();
 std::span<const VerbRow> writingVerbs();
 std::span<const VerbRow> editingVerbs();
 std::span<const VerbRow> otherVerbs();
+
+/// The most that a verb takes where any number will do; shells count so far, too.
+inline constexpr std::size_t manyArguments = 1000;
 
 /// Days that are completed by their words.
 inline constexpr std::string_view dayWords = "today tomorrow yesterday";

@@ -13,7 +13,7 @@ enum class Exit { done = 0, couldNot = 1, misuse = 2 };
 struct Context;
 
 /// What a shell offers to complete.
-enum class Completion { nothing, words, day, note, file, folder, settingKey };
+enum class Completion { nothing, words, day, note, file, folder, settingKey, filter };
 
 /// An option of a verb, or of every verb.
 struct OptionRow {
@@ -31,7 +31,8 @@ struct ExampleRow {
     const char* help;  ///< English, to be translated
 };
 
-/// What a shell offers for the arguments of a verb; `words` go before it.
+/// What a shell offers for the arguments of a verb; `words` go before it: before a setting's key or
+/// a filter as an argument of its own.
 struct ArgumentCompletion {
     Completion completion = Completion::nothing;
     std::string_view words = {};

@@ -45,7 +45,7 @@ constexpr std::array rows{
             "list | show NAME | save NAME | rename NAME NEW | delete NAME",
             1,
             3,
-            {Completion::words, "list show save rename delete"},
+            {Completion::filter, "list show save rename delete"},
             N_("Saved filters: list, show, save, rename and delete them"),
             N_("A filter says which tasks, notes, events and reminders a search shows: in which "
                "states, of which kinds, in which timeframe, and with which text. Filters are files "

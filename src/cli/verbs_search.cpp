@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <array>
-#include <limits>
 
 #include "base/localisation.h"
 #include "cli/verb_functions.h"
@@ -13,7 +12,8 @@ namespace {
 using base::N_;
 
 constexpr std::array searchOptions{
-    OptionRow{"--filter", "NAME", N_("only what the saved filter NAME lets pass")},
+    OptionRow{"--filter", "NAME", N_("only what the saved filter NAME lets pass"),
+              Completion::filter},
     OptionRow{"--limit", "N", N_("at most N rows; 0: all (in a terminal 100, else all)")},
     OptionRow{"--explain", nullptr,
               N_("tell how the query is read, and how many rows it has, instead of these")},
@@ -35,7 +35,7 @@ constexpr std::array rows{
     VerbRow{"search",
             "[QUERY...]",
             0,
-            std::numeric_limits<std::size_t>::max(),
+            manyArguments,
             {},
             N_("Lines and notes that hold a text"),
             N_("Prints the tasks that match QUERY, and the notes whose title or other lines do, "

@@ -11,7 +11,6 @@ namespace {
 
 using base::N_;
 
-constexpr std::size_t manyArguments = 1000;
 constexpr ArgumentCompletion notes{Completion::note, dayWords};
 
 constexpr OptionRow dryRun{"--dry-run", nullptr,

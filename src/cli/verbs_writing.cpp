@@ -11,8 +11,6 @@ namespace {
 
 using base::N_;
 
-constexpr std::size_t manyArguments = 1000;
-
 constexpr OptionRow dryRun{"--dry-run", nullptr,
                            N_("change nothing, and print what would change in the files")};
 constexpr std::array newOptions{

@@ -24,14 +24,12 @@ bool isDated(std::string_view line, std::vector<grammar::Mark>& marks) {
     });
 }
 
-LineMatch wholeLine(const SearchedNote& note, const TaskPlace& task) {
-    const std::size_t end =
-        std::min(note.foldedText.find('\n', task.start), note.foldedText.size());
+LineMatch wholeLine(const TaskPlace& task) {
     LineMatch match;
     match.lineIndex = task.lineIndex;
-    match.line = {task.start, end};
+    match.line = {task.start, task.end()};
     match.match = {task.start, task.start};
-    match.type = grammar::TodoType::open;
+    match.type = task.todoType();
     return match;
 }
 
@@ -57,10 +55,10 @@ NoteMatches inboxOf(const SearchedNote& note) {
     NoteLines lines(note, {});
     std::vector<grammar::Mark> marks;
     for (const TaskPlace& task : note.tasks) {
-        if (static_cast<grammar::TodoType>(task.type) != grammar::TodoType::open) {
+        if (task.todoType() != grammar::TodoType::open) {
             continue;
         }
-        const LineMatch match = wholeLine(note, task);
+        const LineMatch match = wholeLine(task);
         if (!isDated(lines.textOf(match), marks)) {
             matches.lines.push_back(match);
         }

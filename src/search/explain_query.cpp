@@ -37,7 +37,7 @@ std::string joined(const std::vector<std::string>& parts) {
 
 std::string folderList(const std::vector<std::string>& folders) {
     std::vector<std::string> quoted;
-    addEach(quoted, "“{}”", folders);
+    addEach(quoted, tr("“{}”"), folders);
     return joined(quoted);
 }
 

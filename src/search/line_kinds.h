@@ -18,7 +18,6 @@ public:
     /// All kinds but the states of a task count as one.
     constexpr void add(grammar::TodoType type) { _bits |= bitOf(type); }
     constexpr void add(LineKinds others) { _bits |= others._bits; }
-    constexpr void addOther() { _bits |= otherBit; }
     constexpr bool has(grammar::TodoType type) const { return (_bits & bitOf(type)) != 0; }
     constexpr bool hasOther() const { return (_bits & otherBit) != 0; }
     constexpr bool hasTasks() const { return (_bits & tasksBits) != 0; }

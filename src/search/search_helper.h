@@ -36,8 +36,10 @@ struct SearchSettings {
 };
 
 /// Answers the search field of the list of notes, out of the note cache. One instance serves one
-/// list. Every keystroke is a request; a newer one ends the older ones, within a note's time, and
-/// nothing of an older one is delivered from then on.
+/// list. Every keystroke is a request; a newer one ends the older ones, within a note's time. None of
+/// their closures is called from then on, but one may be on its way: who hands rows to another
+/// thread compares the request's id with `searchId` there. An exception that leaves a closure is
+/// logged and ends its request.
 class SearchHelper {
 public:
     /// All outlive the helper.
@@ -67,7 +69,7 @@ public:
     };
 
     explicit SearchHelper(Tools tools);
-    /// Ends what runs and waits for it.
+    /// Ends what runs and waits for it. Not from one of its closures.
     ~SearchHelper();
 
     /// Starts a search and returns at once. `requestId` is a value that `searchId` was incremented

@@ -194,6 +194,7 @@ void SearchableNotes::sortAnew(base::SortType sortBy) {
     std::sort(notes.begin(), notes.end(),
               [](const auto& a, const auto& b) { return ByPlace::keyOf(*a) < ByPlace::keyOf(*b); });
     _notes = std::make_shared<const NotesInOrder>(std::move(notes));
+    _looks.sortBy = sortBy;
 }
 
 SearchableNotes::Differences SearchableNotes::differences(const store::GeneralNotes& generalNotes,

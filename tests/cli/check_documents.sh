@@ -14,6 +14,8 @@ complain() {
 
 "$program" --dump man | diff -u "$page" - ||
     complain "the manual page is out of date; run: tessaly --dump man > packaging/tessaly.1"
+! grep '^\.It Li ".*".*"$' "$page" ||
+    complain "a quote ends the argument of a macro too early in the manual page"
 if command -v mandoc >/dev/null; then
     mandoc -Tlint "$page" || complain "mandoc complains of the manual page"
 fi

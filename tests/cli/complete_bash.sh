@@ -48,4 +48,24 @@ check 'isNumbersTodo' settings get isN
 check '' settings set isNumbersTodo ''
 check "$2/Notes" --root "$2/N"
 check "$2/Notes/Home" parse "$2/Notes/H"
+check 'delete|list|rename|save|show' filter ''
+check 'all|future|last-month|last-week|next-month|next-week|past|this-month|this-week' \
+    filter save Week --timeframe ''
+check 'today|tomorrow' filter save Week --to to
+
+# Filters, which the root has none of.
+folder=$(mktemp -d)
+trap 'rm -r "$folder"' EXIT
+export HOME=$folder XDG_CONFIG_HOME=$folder XDG_DATA_HOME=$folder XDG_STATE_HOME=$folder \
+    XDG_CACHE_HOME=$folder TESSALY_ROOT=$folder/root
+mkdir "$TESSALY_ROOT"
+for name in 'This week' Trip; do
+    tessaly filter save "$name" --state open >/dev/null || failed=1
+done
+check 'This week|Trip' filter show ''
+check 'This week' filter 'delete' 'This\ w'
+check 'Trip' filter rename Tr
+check '' filter rename Trip ''
+check 'This week|Trip' search --filter T
+check '' search call T
 exit $failed

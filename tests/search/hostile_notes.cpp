@@ -303,7 +303,7 @@ search::FilterConditions HostileNotes::filter() {
     if (filter.isActive) {
         filter.kinds = oneIn(3) ? search::LineKinds::tasks() : kinds();
         if (oneIn(3)) {
-            filter.kinds.addOther();
+            filter.kinds.add(grammar::TodoType::text);
         }
         filter.noteItem = !oneIn(3);
         filter.calendarItem = !oneIn(3);

@@ -47,6 +47,7 @@ struct Walked {
     bool isComplete = false;
     search::SearchResults results;
     std::vector<search::SearchResults> early;
+    long askedWhenStale = 0;  ///< notes
 };
 
 /// `asksUntilStale`: of whether it is stale, so many are answered by no.
@@ -58,18 +59,24 @@ Walked walk(base::Executor& executor, const std::string& query, std::size_t most
                            search::ResultRows(names, today, {.most = mostRows}));
     Walked walked;
     std::atomic<long> asks = 0;
+    std::atomic<long> askedWhenStale = 0;
     std::atomic<bool> isCalledWhenStale = false;
+    const auto isOver = [&] { return asksUntilStale >= 0 && asks > asksUntilStale; };
     const search::SearchWalk::Options options{
         .ask = [&](const search::SearchedNote& note, search::Collect collect,
-                   search::NoteMatches& matches) { plan.matcher->match(note, collect, matches); },
+                   search::NoteMatches& matches) {
+            askedWhenStale += isOver() ? 1 : 0;
+            plan.matcher->match(note, collect, matches);
+        },
         .isStale = [&] { return asksUntilStale >= 0 && ++asks > asksUntilStale; },
         .onFirstRows =
             [&] {
-                isCalledWhenStale = asksUntilStale >= 0 && asks > asksUntilStale;
+                isCalledWhenStale = isOver();
                 walked.early.push_back(rows.rows().results(false));
             }};
     walked.isComplete = search::SearchWalk(*manyNotes(), rows, options).run(executor);
     walked.results = rows.rows().take();
+    walked.askedWhenStale = askedWhenStale;
     CHECK_FALSE(isCalledWhenStale);
     return walked;
 }
@@ -126,7 +133,12 @@ TEST_CASE("a walk that becomes stale ends at once, wherever it is") {
     base::InlineExecutor here;
     base::ThreadPool pool(3);
     for (long asks = 0; asks < 6000; asks += 1 + asks / 7) {
-        CHECK_FALSE(walk(here, "common", 100, asks).isComplete);
-        CHECK_FALSE(walk(pool, "#tagg", 100, asks).isComplete);
+        const Walked alone = walk(here, "common", 100, asks);
+        CHECK_FALSE(alone.isComplete);
+        CHECK(alone.askedWhenStale == 0);
+        // Each of the others may have been told just before.
+        const Walked together = walk(pool, "#tagg", 100, asks);
+        CHECK_FALSE(together.isComplete);
+        CHECK(together.askedWhenStale <= static_cast<long>(pool.width()));
     }
 }

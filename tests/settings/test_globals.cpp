@@ -71,6 +71,8 @@ const RoundTrip roundTrips[] = {
     {"isTasksInMonthlyCalendar", "off", false, by(&Globals::isTasksInMonthlyCalendar)},
     {"isSmartMarkdownLink", "off", false, by(&Globals::isSmartMarkdownLink)},
     {"sortBy", "title", "title"s, by(&Globals::sortBy)},
+    {"expandedSideBarItems", "section:Notes, folder:Home\\, Garten",
+     Texts{"section:Notes", "folder:Home, Garten"}, by(&Globals::expandedSideBarItems)},
     {"sync_blacklist", "work, a\\,b", Texts{"work", "a,b"}, by(&Globals::blackListedCalendarId)},
     {"isIconBadge", "on", true, by(&Globals::isIconBadge)},
     {"allowAccessLater", "on", true, by(&Globals::allowAccessLater)},
