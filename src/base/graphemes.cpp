@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 
-#include <unicode/brkiter.h>
+#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
-#include <unicode/utext.h>
 
+#include "base/character_iterator.h"
 #include "base/utf8.h"
 
 namespace tessaly::base {
@@ -21,39 +20,19 @@ bool isOnePerByte(std::string_view text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80 && c != '\r'; });
 }
 
-/// ICU's iterator takes long to make, so each thread keeps one.
-icu::BreakIterator* threadsIterator() {
-    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::BreakIterator> made(
-            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-        return U_SUCCESS(status) ? std::move(made) : nullptr;
-    }();
-    return iterator.get();
-}
-
 /// The borders between the user-perceived characters of a text, as byte offsets. Without ICU's
 /// data every code point counts as one.
 class Borders {
 public:
-    explicit Borders(std::string_view text) : _text(text), _iterator(threadsIterator()) {
-        if (_iterator == nullptr) {
-            return;
-        }
-        UErrorCode status = U_ZERO_ERROR;
-        UText opened = UTEXT_INITIALIZER;
-        utext_openUTF8(&opened, text.data(), static_cast<std::int64_t>(text.size()), &status);
-        _iterator->setText(&opened, status);
-        utext_close(&opened);
-    }
+    explicit Borders(std::string_view text) : _text(text), _iterator(characterIterator(text)) {}
 
     /// The border behind `from`, which must be one itself and below the size of the text.
     std::size_t after(std::size_t from) {
         if (_iterator == nullptr) {
             return from + codePointAt(_text, from).size;
         }
-        const std::int32_t found = _iterator->next();
-        return found == icu::BreakIterator::DONE ? _text.size() : static_cast<std::size_t>(found);
+        const std::int32_t found = ubrk_next(_iterator);
+        return found == UBRK_DONE ? _text.size() : static_cast<std::size_t>(found);
     }
 
     /// A border before byte `offset`, which must be above 0, close to it.
@@ -61,13 +40,13 @@ public:
         if (_iterator == nullptr) {
             return 0;
         }
-        const std::int32_t found = _iterator->preceding(static_cast<std::int32_t>(offset));
-        return found == icu::BreakIterator::DONE ? 0 : static_cast<std::size_t>(found);
+        const std::int32_t found = ubrk_preceding(_iterator, static_cast<std::int32_t>(offset));
+        return found == UBRK_DONE ? 0 : static_cast<std::size_t>(found);
     }
 
 private:
     std::string_view _text;
-    icu::BreakIterator* _iterator;
+    UBreakIterator* _iterator;
 };
 
 bool isInvisible(char32_t c) {

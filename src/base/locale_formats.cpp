@@ -18,6 +18,8 @@
 #include <unicode/timezone.h>
 #include <unicode/ures.h>
 
+#include "base/field_wise_format.h"
+
 namespace tessaly::base {
 
 namespace {
@@ -60,6 +62,14 @@ void makeProleptic(icu::SimpleDateFormat& format) {
     }
 }
 
+std::string formatted(const icu::DateFormat& format, UDate date) {
+    icu::UnicodeString text;
+    return utf8Of(format.format(date, text));
+}
+
+/// From so many on it pays to take days apart into their fields.
+constexpr int manyDays = 64;
+
 /// ICU's formatters for one locale. They are slow to make, so they are made when first asked for
 /// and kept.
 class Formatters {
@@ -76,15 +86,26 @@ public:
                          : icu::UnicodeString();
     }
 
-    const icu::SimpleDateFormat* dayFormat(std::string_view skeleton) {
+    /// How days are written by one skeleton.
+    struct DayFormat {
+        std::unique_ptr<icu::SimpleDateFormat> format;     ///< null without ICU's data
+        std::shared_ptr<const FieldWiseFormat> fieldWise;  ///< null: not worth it, or not possible
+        int uses = 0;
+    };
+
+    const DayFormat& dayFormat(std::string_view skeleton) {
         const auto [found, isNew] = _dayFormats.try_emplace(std::string(skeleton));
+        DayFormat& day = found->second;
         if (isNew) {
-            found->second = formatOf(pattern(skeleton));
-            if (found->second) {
-                makeProleptic(*found->second);
+            day.format = formatOf(pattern(skeleton));
+            if (day.format) {
+                makeProleptic(*day.format);
             }
         }
-        return found->second.get();
+        if (++day.uses == manyDays && day.format) {
+            day.fieldWise = fieldWise(*day.format);
+        }
+        return day;
     }
 
     const icu::SimpleDateFormat* timeFormat() {
@@ -133,6 +154,21 @@ private:
         return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
     }
 
+    static std::shared_ptr<const FieldWiseFormat> fieldWise(const icu::SimpleDateFormat& whole) {
+        if (dynamic_cast<const icu::GregorianCalendar*>(whole.getCalendar()) == nullptr) {
+            return nullptr;
+        }
+        icu::UnicodeString pattern;
+        whole.toPattern(pattern);
+        const std::unique_ptr<icu::SimpleDateFormat> field(whole.clone());
+        const auto made =
+            FieldWiseFormat::of(utf8Of(pattern), [&](std::string_view fieldPattern, Day day) {
+                field->applyPattern(unicodeOf(fieldPattern));
+                return formatted(*field, noonOf(day));
+            });
+        return made ? std::make_shared<const FieldWiseFormat>(*made) : nullptr;
+    }
+
     static void nameHalves(icu::SimpleDateFormat& format) {
         const icu::UnicodeString names[] = {u"AM", u"PM"};
         icu::DateFormatSymbols symbols(*format.getDateFormatSymbols());
@@ -152,7 +188,7 @@ private:
 
     icu::Locale _locale;
     std::unique_ptr<icu::DateTimePatternGenerator> _patterns;
-    std::map<std::string, std::unique_ptr<icu::SimpleDateFormat>, std::less<>> _dayFormats;
+    std::map<std::string, DayFormat, std::less<>> _dayFormats;
     std::unique_ptr<icu::SimpleDateFormat> _timeFormat;
     std::unique_ptr<icu::DateFormat> _dateAndTimeFormat;
     std::unique_ptr<icu::NumberFormat> _numberFormat;
@@ -168,20 +204,21 @@ auto withFormatters(const std::string& locale, Use use) {
     return use(kept.try_emplace(locale, locale).first->second);
 }
 
-std::string formatted(const icu::DateFormat& format, UDate date) {
-    icu::UnicodeString text;
-    return utf8Of(format.format(date, text));
-}
-
 }  // namespace
 
 LocaleFormats::LocaleFormats(std::string locale) : _locale(std::move(locale)) {}
 
 std::string LocaleFormats::day(Day day, std::string_view skeleton) const {
-    return withFormatters(_locale, [&](Formatters& formatters) {
-        const auto* const format = formatters.dayFormat(skeleton);
-        return format == nullptr ? tagText(day) : formatted(*format, noonOf(day));
+    std::shared_ptr<const FieldWiseFormat> fieldWise;
+    std::string text = withFormatters(_locale, [&](Formatters& formatters) {
+        const Formatters::DayFormat& known = formatters.dayFormat(skeleton);
+        fieldWise = known.fieldWise;
+        return fieldWise || !known.format ? std::string() : formatted(*known.format, noonOf(day));
     });
+    if (fieldWise) {
+        return fieldWise->text(day);
+    }
+    return text.empty() ? tagText(day) : text;
 }
 
 std::string LocaleFormats::time(int hour, int minute) const {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/normalise.h"
 #include "base/utf8.h"
 #include "grammar/line_scanner.h"
 
@@ -26,7 +27,7 @@ std::vector<std::string> marksOf(std::string_view line, MarkKind kind) {
     return tags;
 }
 
-/// Whether a tag, which no white space surrounds, is surely in lower case.
+/// Whether a tag, which no white space surrounds, is surely as lists hold it.
 bool isNormalised(std::string_view tag) {
     return std::none_of(tag.begin(), tag.end(), [](char c) {
         return static_cast<unsigned char>(c) >= 0x80 || (c >= 'A' && c <= 'Z');
@@ -63,7 +64,8 @@ bool isBookkeeping(std::string_view mention) {
 }
 
 std::string normalisedTag(std::string_view tag) {
-    return base::lowerCased(base::trimmed(tag));
+    // Lower case can leave what was composed in pieces.
+    return base::nfc(base::lowerCased(base::nfc(base::trimmed(tag))));
 }
 
 std::vector<std::string> withParents(std::string_view tag) {

@@ -20,7 +20,8 @@ std::vector<std::string> mentionsOf(std::string_view line);
 /// with "@done(", "@repeat(" or "@final-repeat". Case-sensitive.
 bool isBookkeeping(std::string_view mention);
 
-/// A tag as lists hold it: trimmed and in lower case.
+/// A tag as lists hold it: trimmed, in lower case and NFC, so that each spelling of an accent is
+/// the same tag.
 std::string normalisedTag(std::string_view tag);
 
 /// A tag and the parents that its "/"-separated name implies, parents first; an argument belongs to

@@ -108,3 +108,30 @@ TEST_CASE("threads format at the same time") {
     });
     CHECK(found == std::vector<std::string>(4, expected));
 }
+
+TEST_CASE("a day reads the same however many have been written") {
+    constexpr int someDays = 40;
+    constexpr int manyDays = 800;
+    const Day first{std::chrono::year{2019}, std::chrono::January, std::chrono::day{27}};
+    for (const char* locale :
+         {"en_NZ", "de_AT", "fr_BE", "ca_ES", "ru_UA", "el_CY", "ja_JP@x=y", "zh_SG", "ko_KP",
+          "ar_MA", "fa_AF", "fa_IR", "th_TH@x=y", "hi_IN", "mr_IN", "he_IL@calendar=hebrew"}) {
+        for (const char* skeleton : {"EEEdMMM", "d MMM", "EEEEdMMMM", "dMMMyyyy"}) {
+            const LocaleFormats formats(locale);
+            const auto name = [&](int day) {
+                return formats.day(addDays(first, day * 9), skeleton);
+            };
+            std::vector<std::string> before;
+            for (int day = 0; day < someDays; ++day) {
+                before.push_back(name(day));
+            }
+            for (int day = 0; day < manyDays; ++day) {
+                name(day);
+            }
+            for (int day = 0; day < someDays; ++day) {
+                CAPTURE(locale);
+                CHECK(name(day) == before[static_cast<std::size_t>(day)]);
+            }
+        }
+    }
+}

@@ -55,6 +55,8 @@ TEST_CASE("lists hold a tag once, behind its parents, without book-keeping") {
              {"#Work/Clients", "#work | #work/clients"},
              {"#project/alpha/beta", "#project | #project/alpha | #project/alpha/beta"},
              {"@Team/Jürgen(a/b)", "@team | @team/jürgen(a/b)"},
+             {"#Gro\u0308\u00DFe/U\u0308", "#gr\u00F6\u00DFe | #gr\u00F6\u00DFe/\u00FC"},
+             {"#\u01F0/J\u030C", "#\u01F0 | #\u01F0/\u01F0"},
              {"#a//b/", "#a | #a//b | #a//b/"},
              {"#/a", "#/a"},
              {"@done(2019-05-01)", ""},
