@@ -126,7 +126,7 @@ public:
         std::size_t rounds = 0;
         words >> rounds;
         search::SearchableNotes notes(
-            _pool, _names, [this](base::Instant instant) { return _clock.local(instant).day; });
+            _pool, _names, [this](base::Instant instant) { return _clock.local(instant); });
         const search::NoteLooks looks{base::SortType::modified, _clock.today(), {}};
         auto general = _cache.generalNotes();
         (void)notes.of(general, _cache.calendarNotes(), looks);

@@ -5,12 +5,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
-#include <unicode/brkiter.h>
+#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
-#include <unicode/utext.h>
 
+#include "base/character_iterator.h"
 #include "base/utf8.h"
 
 namespace tessaly::search {
@@ -22,17 +21,6 @@ constexpr std::size_t mostBeforeMatch = 20;
 constexpr std::string_view ellipsis = "\u2026";
 constexpr std::size_t mostWithOneCut = mostCharacters - 1;
 constexpr std::size_t mostWithTwoCuts = mostCharacters - 2;
-
-/// ICU's iterator takes long to make, so each thread keeps one.
-icu::BreakIterator* threadsIterator() {
-    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::BreakIterator> made(
-            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-        return U_SUCCESS(status) ? std::move(made) : nullptr;
-    }();
-    return iterator.get();
-}
 
 /// Scripts whose letters stand alone, for which ICU need not be asked. None of these stretches
 /// holds a combining mark, an invisible character or a part of a syllable.
@@ -80,7 +68,7 @@ public:
             !open()) {
             return next;
         }
-        return static_cast<std::size_t>(_iterator->following(static_cast<std::int32_t>(from)));
+        return static_cast<std::size_t>(ubrk_following(_iterator, static_cast<std::int32_t>(from)));
     }
 
     /// The border before `from`, which must be one itself, above 0.
@@ -95,18 +83,18 @@ public:
             !open()) {
             return start;
         }
-        return static_cast<std::size_t>(_iterator->preceding(static_cast<std::int32_t>(from)));
+        return static_cast<std::size_t>(ubrk_preceding(_iterator, static_cast<std::int32_t>(from)));
     }
 
     /// `stretch`, whose ends lie between code points, with the whole of the characters at its ends.
     Stretch widened(Stretch stretch) {
         if (!isBorder(stretch.start)) {
             const auto start = static_cast<std::int32_t>(stretch.start);
-            stretch.start = static_cast<std::size_t>(_iterator->preceding(start));
+            stretch.start = static_cast<std::size_t>(ubrk_preceding(_iterator, start));
         }
         if (!isBorder(stretch.end)) {
             const auto end = static_cast<std::int32_t>(stretch.end);
-            stretch.end = static_cast<std::size_t>(_iterator->following(end));
+            stretch.end = static_cast<std::size_t>(ubrk_following(_iterator, end));
         }
         return stretch;
     }
@@ -120,23 +108,19 @@ private:
              standsAlone(base::codePointAt(_line, at).value))) {
             return true;
         }
-        return !open() || _iterator->isBoundary(static_cast<std::int32_t>(at)) != 0;
+        return !open() || ubrk_isBoundary(_iterator, static_cast<std::int32_t>(at)) != 0;
     }
 
     /// False: there is no iterator.
     bool open() {
-        if (_iterator == nullptr && (_iterator = threadsIterator()) != nullptr) {
-            UErrorCode status = U_ZERO_ERROR;
-            UText opened = UTEXT_INITIALIZER;
-            utext_openUTF8(&opened, _line.data(), static_cast<std::int64_t>(_line.size()), &status);
-            _iterator->setText(&opened, status);
-            utext_close(&opened);
+        if (_iterator == nullptr) {
+            _iterator = base::characterIterator(_line);
         }
         return _iterator != nullptr;
     }
 
     std::string_view _line;
-    icu::BreakIterator* _iterator = nullptr;
+    UBreakIterator* _iterator = nullptr;
 };
 
 /// Chooses what is shown of a line, between `limits`.

@@ -56,13 +56,16 @@ std::string stateList(LineKinds kinds) {
     return joined(states);
 }
 
-std::string explainTasks(LineKinds kinds) {
-    return kinds.with(LineKinds::tasks()) == LineKinds::tasks()
-               ? tr("tasks, in any state")
-               : with(tr("tasks in these states: {}"), stateList(kinds));
+bool isAllTasks(LineKinds kinds) {
+    return kinds.with(LineKinds::tasks()) == LineKinds::tasks();
 }
 
-std::string explainMisread(const MisreadWord& misread) {
+std::string explainTasks(LineKinds kinds) {
+    return isAllTasks(kinds) ? tr("tasks, in any state")
+                             : with(tr("tasks in these states: {}"), stateList(kinds));
+}
+
+std::string explainWord(const MisreadWord& misread) {
     switch (misread.reason) {
         case Reason::noState:
             return with(
@@ -128,11 +131,18 @@ std::vector<std::string> explainQuery(const SearchQuery& query) {
             folderList(query.folders)));
     }
     if (query.kinds != LineKinds::all()) {
-        lines.push_back(explainTasks(query.kinds));
+        lines.push_back(isAllTasks(query.kinds) ? tr("only tasks") : explainTasks(query.kinds));
     }
     addDays(lines, query.days);
+    const std::vector<std::string> misread = explainMisread(query);
+    lines.insert(lines.end(), misread.begin(), misread.end());
+    return lines;
+}
+
+std::vector<std::string> explainMisread(const SearchQuery& query) {
+    std::vector<std::string> lines;
     for (const MisreadWord& misread : query.misread) {
-        lines.push_back(explainMisread(misread));
+        lines.push_back(explainWord(misread));
     }
     return lines;
 }
@@ -161,12 +171,16 @@ std::vector<std::string> explainFilter(const FilterConditions& conditions) {
     }
     addFilteredLines(lines, conditions.kinds);
     const std::string rows = rowList(conditions);
-    lines.push_back(rows.empty() ? tr("no notes, events and reminders")
+    lines.push_back(rows.empty() ? tr("neither notes nor events nor reminders")
                                  : with(tr("of notes, events and reminders: {}"), rows));
     addDays(lines, conditions.days);
-    if (!conditions.keyword.empty()) {
+    const RoutedQuery keyword = routeQuery(conditions.keyword, true);
+    if (keyword.route == SearchRoute::tags) {
+        lines.push_back(explainRoute(keyword).front());
+    } else if (!keyword.query.empty()) {
         lines.push_back(with(tr("with the keyword “{}”"), conditions.keyword));
     }
+    lines.insert(lines.end(), conditions.unreadable.begin(), conditions.unreadable.end());
     return lines;
 }
 

@@ -6,6 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
+
+#include "base/localisation.h"
 #include "base/utf8.h"
 
 namespace tessaly::search {
@@ -50,14 +53,41 @@ LineKinds kindsOf(const Filter& filter) {
     return kinds;
 }
 
-DayRange daysOf(const Filter& filter, base::Day today, base::DayOfWeek firstDayOfWeek) {
+using Complaints = std::vector<std::string>;
+
+/// With `sentence` as the complaint, in which {} is the text.
+std::optional<base::Day> dayIn(std::string_view text, const std::string& sentence,
+                               Complaints& complaints) {
+    const auto day = base::dayFromTagText(text);
+    if (!day && !text.empty()) {
+        complaints.push_back(fmt::format(fmt::runtime(sentence), text));
+    }
+    return day;
+}
+
+DayRange customDays(const Filter& filter, Complaints& complaints) {
+    return {dayIn(valueOf(filter, Param::startDate),
+                  base::tr("the first day “{}” is no day, so none is too early"), complaints),
+            dayIn(valueOf(filter, Param::endDate),
+                  base::tr("the last day “{}” is no day, so none is too late"), complaints)};
+}
+
+struct Week {
+    base::Day today;
+    base::DayOfWeek firstDay;
+};
+
+DayRange daysOf(const Filter& filter, const Week& week, Complaints& complaints) {
     const std::string_view name = valueOf(filter, Param::timeframe);
     const auto timeframe = base::fromRawValue<FilterTimeframe>(name);
     if (timeframe == FilterTimeframe::custom || name.empty()) {
-        return {base::dayFromTagText(valueOf(filter, Param::startDate)),
-                base::dayFromTagText(valueOf(filter, Param::endDate))};
+        return customDays(filter, complaints);
     }
-    return timeframe ? daysOf(*timeframe, today, firstDayOfWeek) : DayRange();
+    if (!timeframe) {
+        complaints.push_back(fmt::format(
+            fmt::runtime(base::tr("no timeframe is called “{}”, so all days are meant")), name));
+    }
+    return timeframe ? daysOf(*timeframe, week.today, week.firstDay) : DayRange();
 }
 
 }  // namespace
@@ -66,7 +96,7 @@ FilterConditions conditionsOf(const Filter& filter, base::Day today,
                               base::DayOfWeek firstDayOfWeek) {
     FilterConditions conditions;
     conditions.isActive = !filter.empty();
-    conditions.days = daysOf(filter, today, firstDayOfWeek);
+    conditions.days = daysOf(filter, {today, firstDayOfWeek}, conditions.unreadable);
     conditions.keyword = valueOf(filter, Param::keyword);
     if (namesRows(filter)) {
         conditions.kinds = kindsOf(filter);

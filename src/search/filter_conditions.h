@@ -28,16 +28,18 @@ struct FilterConditions {
     bool eventItem = true;
     bool reminderItem = true;
     DayRange days;
-    std::string keyword;  ///< one more query, as typed
+    std::string keyword;  ///< one more query, as typed; a single tag is one, too
+    /// What cannot be read and is therefore passed over, in words for the user, one thing each.
+    std::vector<std::string> unreadable;
 };
 
 /// A filter that names neither a state nor a kind (only days or a keyword) lets all of them pass,
-/// lines without a state as part of their note's row. A timeframe or bound that cannot be read, or
-/// is empty, is open.
+/// lines without a state as part of their note's row. A timeframe or bound that is empty is open,
+/// and so is one that cannot be read; the latter is told of.
 FilterConditions conditionsOf(const Filter& filter, base::Day today,
                               base::DayOfWeek firstDayOfWeek);
 
-/// In words for the user, one thing each.
+/// In words for the user, one thing each; what cannot be read last.
 std::vector<std::string> explainFilter(const FilterConditions& conditions);
 
 }  // namespace tessaly::search

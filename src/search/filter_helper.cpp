@@ -28,7 +28,7 @@ using Names = std::vector<std::string>;
 constexpr int maxTries = 8;
 
 Failure about(std::string_view name, Failure::Kind kind, std::string_view words) {
-    return {kind, fmt::format("{}: {}", name, words)};
+    return {kind, name.empty() ? std::string(words) : fmt::format("{}: {}", name, words)};
 }
 
 bool contains(const Names& names, std::string_view name) {
@@ -90,15 +90,20 @@ std::optional<std::string> colliding(const Names& names, std::string_view wanted
     return found == names.end() ? std::nullopt : std::optional(*found);
 }
 
+/// The one that is called so.
+std::optional<std::string> calledSo(const Names& names, std::string_view wanted) {
+    return contains(names, wanted) ? std::string(wanted) : colliding(names, wanted);
+}
+
+/// The one that is called so, else the one that was perhaps saved so.
 std::optional<std::string> find(const Names& names, std::string_view wanted) {
-    if (contains(names, wanted)) {
-        return std::string(wanted);
-    }
-    if (auto found = colliding(names, wanted)) {
-        return found;
-    }
-    const auto saved = savedName(wanted);
-    return saved ? colliding(names, *saved) : std::nullopt;
+    auto found = calledSo(names, wanted);
+    const auto saved = found ? std::nullopt : savedName(wanted);
+    return saved ? colliding(names, *saved) : found;
+}
+
+Failure isTaken(std::string_view name) {
+    return about(name, Failure::Kind::exists, tr("there is a filter of this name already"));
 }
 
 bool isConflictCopy(const Names& names, std::string_view name) {
@@ -109,6 +114,9 @@ bool isConflictCopy(const Names& names, std::string_view name) {
 
 /// The name that a new filter gets.
 Result<std::string> newName(const Names& names, std::string_view wanted) {
+    if (base::trimmed(wanted).empty()) {
+        return Failure{Failure::Kind::malformed, tr("a filter needs a name")};
+    }
     auto name = savedName(wanted);
     if (!name) {
         return about(wanted, Failure::Kind::malformed, tr("no name is left without its signs"));
@@ -122,11 +130,16 @@ Result<std::string> newName(const Names& names, std::string_view wanted) {
     return *std::move(name);
 }
 
-/// A file that is not there may be one that a sync client has not downloaded.
-Failure explained(ports::FileSystem& files, const std::string& path, const Failure& failure) {
-    const bool isStillToCome =
-        failure.kind == Failure::Kind::notFound && store::hasPlaceholder(files, path);
-    return isStillToCome ? store::notDownloaded(path) : failure;
+/// Of a filter the name is told, not the path. A file that is not there may be one that a sync
+/// client has not downloaded.
+Failure explained(ports::FileSystem& files, const std::string& path, Failure failure) {
+    if (failure.kind == Failure::Kind::notFound && store::hasPlaceholder(files, path)) {
+        failure = store::notDownloaded(path);
+    }
+    if (failure.description.starts_with(path + ":")) {
+        failure.description.replace(0, path.size(), store::lastComponent(path));
+    }
+    return failure;
 }
 
 /// An edit that lets nothing go that it does not understand.
@@ -192,11 +205,18 @@ Result<Filter> FilterHelper::load(std::string_view name) const {
                   : about(place->name, filter.failure().kind, filter.failure().description);
 }
 
-Result<std::string> FilterHelper::save(std::string_view name, const Filter& filter) {
-    auto place = placeOf(name);
-    if (!place && place.failure().kind == Failure::Kind::notFound) {
-        place = newPlace(name);
+Result<FilterHelper::Place> FilterHelper::placeToSave(std::string_view wanted) const {
+    const auto names = filterNames(_tools.store.files(), _tools.store.root());
+    if (!names || calledSo(*names, wanted)) {
+        return placeOf(wanted);
     }
+    auto place = newPlace(wanted);
+    const auto other = place ? colliding(*names, place->name) : std::nullopt;
+    return other ? isTaken(*other) : std::move(place);
+}
+
+Result<FilterHelper::Saved> FilterHelper::save(std::string_view name, const Filter& filter) {
+    const auto place = placeToSave(name);
     if (!place) {
         return place.failure();
     }
@@ -204,17 +224,17 @@ Result<std::string> FilterHelper::save(std::string_view name, const Filter& filt
     if (!bytes) {
         return about(place->name, bytes.failure().kind, bytes.failure().description);
     }
-    const auto written = write(*place, *bytes);
-    return written ? Result<std::string>(place->name) : written.failure();
+    const auto how = write(*place, *bytes);
+    return how ? Result<Saved>(Saved{place->name, *how}) : how.failure();
 }
 
-Result<base::Done> FilterHelper::write(const Place& place, const std::string& bytes) {
+Result<FilterHelper::Saved::How> FilterHelper::write(const Place& place, const std::string& bytes) {
     const std::string folder = store::parentOf(place.path);
     for (int tries = 0; tries < maxTries; ++tries) {
         const auto edited = _tools.safeFiles.edit(
-            place.root, place.path, replacement(place.name, bytes), store::ChangeCause::created);
+            place.root, place.path, replacement(place.name, bytes), store::ChangeCause::saved);
         if (edited) {
-            return base::Done{};
+            return Saved::How::replacing;
         }
         const Failure failure = explained(_tools.store.files(), place.path, edited.failure());
         if (failure.kind != Failure::Kind::notFound) {
@@ -223,12 +243,16 @@ Result<base::Done> FilterHelper::write(const Place& place, const std::string& by
         if (!_tools.store.createFolderIfNonExisting(folder)) {
             return about(folder, Failure::Kind::other, tr("the folder cannot be made"));
         }
-        const auto created = _tools.safeFiles.create(place.root, place.path, bytes);
-        if (created || created.failure().kind != Failure::Kind::exists) {
-            return created;
+        const auto created =
+            _tools.safeFiles.create(place.root, place.path, bytes, store::ChangeCause::saved);
+        if (created) {
+            return Saved::How::anew;
+        }
+        if (created.failure().kind != Failure::Kind::exists) {
+            return explained(_tools.store.files(), place.path, created.failure());
         }
     }
-    return about(place.path, Failure::Kind::unavailable, tr("another program keeps changing it"));
+    return about(place.name, Failure::Kind::unavailable, tr("another program keeps changing it"));
 }
 
 Result<std::string> FilterHelper::rename(std::string_view from, std::string_view to) {
@@ -239,13 +263,13 @@ Result<std::string> FilterHelper::rename(std::string_view from, std::string_view
     }
     const auto taken = placeOf(target->name);
     if (taken && taken->name != source->name) {
-        return about(taken->name, Failure::Kind::exists,
-                     tr("there is a filter of this name already"));
+        return isTaken(taken->name);
     }
     const auto moved =
         _tools.safeFiles.move({source->root, source->path}, {target->root, target->path});
     return moved ? Result<std::string>(target->name)
-                 : explained(_tools.store.files(), source->path, moved.failure());
+                 : explained(_tools.store.files(), target->path,
+                             explained(_tools.store.files(), source->path, moved.failure()));
 }
 
 Result<std::string> FilterHelper::remove(std::string_view name) {

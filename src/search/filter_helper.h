@@ -19,9 +19,9 @@ namespace tessaly::search {
 /// Nothing is logged, but for a folder that cannot be made; failures have words for the user.
 ///
 /// A name means the filter that is called exactly so; else the one whose name collides with it on a
-/// file system that ignores case ("work" is "Work"); else the one whose name it would get when it
-/// was saved. Two filters whose names collide are only ever made by others. A conflict copy is
-/// found by its own name.
+/// file system that ignores case ("work" is "Work"); else, but for `save`, the one whose name it
+/// would get when it was saved ("v1.2" is "v12"). Two filters whose names collide are only ever
+/// made by others. A conflict copy is found by its own name.
 class FilterHelper {
 public:
     /// All outlive it.
@@ -29,6 +29,13 @@ public:
         store::DataStore& store;
         store::SafeFiles& safeFiles;
         ports::Trash trash;
+    };
+
+    /// What became of a filter that was to be saved.
+    struct Saved {
+        enum class How { anew, replacing };
+        std::string name;
+        How how = How::anew;
     };
 
     explicit FilterHelper(Tools tools) : _tools(std::move(tools)) {}
@@ -43,11 +50,11 @@ public:
     base::Result<Filter> load(std::string_view name) const;
 
     /// Writes a filter, replacing an older one of that name; what that held stays in the history.
-    /// Returns the name that it has: the older one's, else the given one free of what titles of
-    /// notes lose on the way to a file name. Failures: `malformed`: no name is left or files of
-    /// this name are passed over, the filter holds what is no text, or what lies there is no filter
-    /// that can be read, and it stays; `unavailable`.
-    base::Result<std::string> save(std::string_view name, const Filter& filter);
+    /// The name that it has then: the older one's, else the given one free of what titles of notes
+    /// lose on the way to a file name. Failures: `exists`: so freed, the name is another filter's;
+    /// `malformed`: no name is left or files of this name are passed over, the filter holds what is
+    /// no text, or what lies there is no filter that can be read, and it stays; `unavailable`.
+    base::Result<Saved> save(std::string_view name, const Filter& filter);
 
     /// Returns the new name, as `save` gives it. Failures: `notFound`; `exists`: the new name is
     /// another filter's; `malformed`, as for `save`; `unavailable`.
@@ -66,7 +73,8 @@ private:
     };
     base::Result<Place> placeOf(std::string_view wanted) const;
     base::Result<Place> newPlace(std::string_view wanted) const;
-    base::Result<base::Done> write(const Place& place, const std::string& bytes);
+    base::Result<Place> placeToSave(std::string_view wanted) const;
+    base::Result<Saved::How> write(const Place& place, const std::string& bytes);
 
     Tools _tools;
 };

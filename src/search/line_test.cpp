@@ -22,9 +22,15 @@ const std::string& longestOf(const std::vector<std::string>& words) {
 
 }  // namespace
 
-LineTest::LineTest(const std::vector<SearchQuery>& queries, std::string tag)
-    : _tag(std::move(tag)), _highlight(_tag) {
-    require(_tag.text());
+LineTest::LineTest(const std::vector<SearchQuery>& queries, const std::vector<std::string>& tags,
+                   Shown shown)
+    : _tags(tags) {
+    for (const std::string& tag : tags) {
+        require(tag);
+    }
+    if (isOfTag() && shown == Shown::tag) {
+        showTag();
+    }
     for (const SearchQuery& query : queries) {
         takeText(query);
     }
@@ -37,8 +43,16 @@ LineTest::LineTest(const std::vector<SearchQuery>& queries, std::string tag)
             _excluded.emplace_back(word);
         }
     }
+    if (isOfTag() && _highlight.empty()) {
+        showTag();
+    }
     chooseCandidate();
     _isPlain = _required.empty() && _excluded.empty() && !hasRanks();
+}
+
+void LineTest::showTag() {
+    _showsTag = true;
+    _highlight = Needle(_tags.front());
 }
 
 /// A line that holds the whole text holds its words.
@@ -81,12 +95,17 @@ bool LineTest::holdsTheRest(std::string_view line) const {
            std::none_of(_excluded.begin(), _excluded.end(), isIn);
 }
 
+bool LineTest::carriesTags(std::string_view line) const {
+    return std::all_of(_tags.begin(), _tags.end(),
+                       [&](const std::string& tag) { return findTag(line, tag).has_value(); });
+}
+
 LineTest::Rank LineTest::rankBeyondCandidate(std::string_view line, Detail detail) const {
     if (!holdsTheRest(line)) {
         return Rank::none;
     }
     if (isOfTag()) {
-        return findTag(line, _tag.text()) ? Rank::whole : Rank::apart;
+        return carriesTags(line) ? Rank::whole : Rank::apart;
     }
     return detail == Detail::whether || _whole.empty() || _whole.isIn(line) ? Rank::whole
                                                                             : Rank::apart;
@@ -97,12 +116,16 @@ LineTest::Rank LineTest::rankOf(std::string_view text) const {
 }
 
 Stretch LineTest::highlight(std::string_view line, Rank rank) const {
-    if (isOfTag() && rank == Rank::whole) {
-        return findTag(line, _tag.text()).value_or(Stretch{});
+    if (_showsTag && rank == Rank::whole) {
+        return findTag(line, _tags.front()).value_or(Stretch{});
     }
-    const Needle& shown = rank == Rank::whole && !_whole.empty() ? _whole : _highlight;
-    const std::size_t found = shown.find(line);
-    return found == Needle::npos ? Stretch{} : Stretch{found, found + shown.text().size()};
+    for (const Needle* const shown : {&_whole, &_highlight}) {
+        const std::size_t found = shown->empty() ? Needle::npos : shown->find(line);
+        if (found != Needle::npos) {
+            return {found, found + shown->text().size()};
+        }
+    }
+    return {};
 }
 
 }  // namespace tessaly::search

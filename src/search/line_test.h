@@ -19,14 +19,19 @@ class LineTest {
 public:
     /// How well a line answers.
     enum class Rank : std::uint8_t {
-        whole,  ///< the query's whole text stands there, or the tag
-        apart,  ///< its words do, or the tag's token as part of something else
+        whole,  ///< the query's whole text stands there, or all tags
+        apart,  ///< its words do, or a tag's token as part of something else
         none
     };
 
+    /// Of a search for tags: what is shown as the match.
+    enum class Shown { tag, text };
+
     /// All queries hold; the first with a text gives the rank and the highlight, without one the
-    /// first phrase gives the latter. With a `tag` (folded), that does both.
-    explicit LineTest(const std::vector<SearchQuery>& queries, std::string tag = {});
+    /// first phrase gives the latter. With `tags` (folded), these give the rank, and the first of
+    /// them the highlight, unless the text is to be `shown` and there is one.
+    explicit LineTest(const std::vector<SearchQuery>& queries,
+                      const std::vector<std::string>& tags = {}, Shown shown = Shown::tag);
 
     /// What each line holds that passes; of all such texts the longest, so that it is found in few
     /// others. Empty: there is none.
@@ -36,7 +41,7 @@ public:
     bool isHopeless() const { return _isHopeless; }
     /// A text is looked for, not only the lack of one.
     bool isSeeking() const { return !_candidate.empty(); }
-    bool isOfTag() const { return !_tag.empty(); }
+    bool isOfTag() const { return !_tags.empty(); }
     /// Whether lines that pass differ in rank.
     bool hasRanks() const { return !_whole.empty() || isOfTag(); }
 
@@ -53,7 +58,9 @@ public:
     Stretch highlight(std::string_view line, Rank rank) const;
 
 private:
+    void showTag();
     void require(const std::string& text);
+    bool carriesTags(std::string_view line) const;
     void takeText(const SearchQuery& query);
     void chooseCandidate();
     bool holdsTheRest(std::string_view line) const;
@@ -62,9 +69,10 @@ private:
     std::vector<Needle> _required;  // but for the candidate
     std::vector<Needle> _excluded;
     Needle _candidate;
-    Needle _tag;
-    Needle _whole;          // tells the ranks apart, where words suffice
-    Needle _highlight;      // of `apart` lines, and of all where there are no ranks
+    std::vector<std::string> _tags;
+    Needle _whole;      // tells the ranks apart, where words suffice
+    Needle _highlight;  // of `apart` lines, and of all where there are no ranks
+    bool _showsTag = false;
     bool _isPlain = false;  // the candidate is all that is asked
     bool _isHopeless = false;
 };

@@ -18,9 +18,9 @@ bool areAboutNotesOnly(const std::vector<SearchQuery>& queries) {
 NoteMatcher::NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditions filter)
     : NoteMatcher(queries, std::move(filter), LineTest(queries)) {}
 
-NoteMatcher NoteMatcher::forTag(std::string token, FilterConditions filter,
-                                const std::vector<SearchQuery>& queries) {
-    return {queries, std::move(filter), LineTest(queries, std::move(token))};
+NoteMatcher NoteMatcher::forTags(const std::vector<std::string>& tokens, FilterConditions filter,
+                                 const std::vector<SearchQuery>& queries, LineTest::Shown shown) {
+    return {queries, std::move(filter), LineTest(queries, tokens, shown)};
 }
 
 NoteMatcher::NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditions filter,
@@ -41,7 +41,8 @@ NoteMatcher::NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditio
     }
 }
 
-void NoteMatcher::match(const SearchedNote& note, Collect collect, NoteMatches& matches) const {
+void NoteMatcher::match(const SearchedNote& note, Collect collect, NoteMatches& matches,
+                        std::size_t mostLines) const {
     matches.clear();
     if (!isAskedOf(note)) {
         return;
@@ -53,7 +54,7 @@ void NoteMatcher::match(const SearchedNote& note, Collect collect, NoteMatches& 
         return;
     }
     const NoteWalk::Asked asked{_test, _filter.kinds.with(_kinds), _days};
-    NoteWalk(asked, note, others, collect, matches).run();
+    NoteWalk(asked, note, others, collect, mostLines, matches).run();
     if (_test.hasRanks()) {
         std::stable_sort(matches.lines.begin(), matches.lines.end(),
                          [](const LineMatch& a, const LineMatch& b) { return a.rank < b.rank; });
@@ -80,8 +81,7 @@ NoteWalk::Others NoteMatcher::othersOf(const SearchedNote& note) const {
     others.areRows = _filter.kinds.hasOther();
     others.mayGiveRow =
         note.type == base::NoteType::calendar ? _filter.calendarItem : _filter.noteItem;
-    others.titleMatches = others.mayGiveRow && !_isAboutNotesOnly && _test.isSeeking() &&
-                          !_test.isOfTag() &&
+    others.titleMatches = others.mayGiveRow && !_isAboutNotesOnly && !_test.isOfTag() &&
                           _test.rankOf(note.foldedTitle) != LineTest::Rank::none;
     return others;
 }

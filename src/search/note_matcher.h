@@ -22,7 +22,8 @@ namespace tessaly::search {
 ///   themselves; the line of a general note's title is never one.
 /// - A query without text matches every line that is not blank; without a filter, one that asks of
 ///   notes only gives but their rows.
-/// - A title matches as a line does, where there is a text to look for.
+/// - A title matches as a line does, that of a note without lines, too; a tag is not looked for
+/// there.
 /// - The day of a task is its first schedule tag's, else its calendar note's; of other lines and of
 ///   notes the calendar note's, else that of the last change. What has none is in no bounded range.
 class NoteMatcher {
@@ -31,16 +32,19 @@ public:
     /// and the highlight; where none has, the first phrase gives the highlight.
     NoteMatcher(const std::vector<SearchQuery>& queries, FilterConditions filter);
 
-    /// Lines that carry a tag or mention (`token` with its sign, folded), one below it ("#a/b" for
-    /// "#a") or it with an argument. Lines in which the token merely occurs are `textRows`. The
-    /// queries hold beside it.
-    static NoteMatcher forTag(std::string token, FilterConditions filter,
-                              const std::vector<SearchQuery>& queries = {});
+    /// Lines that carry all of some tags or mentions (`tokens` with their signs, folded), each
+    /// itself, with one below it ("#a/b" for "#a") or with an argument. Lines in which the tokens
+    /// merely occur are `textRows`. The queries hold beside them.
+    static NoteMatcher forTags(const std::vector<std::string>& tokens, FilterConditions filter,
+                               const std::vector<SearchQuery>& queries = {},
+                               LineTest::Shown shown = LineTest::Shown::tag);
 
     using Collect = search::Collect;
     /// With `counts`, `lines` and `noteLine` stay empty, and no memory is asked for. `matches` is
     /// emptied first; giving the same again saves allocations.
-    void match(const SearchedNote& note, Collect collect, NoteMatches& matches) const;
+    /// Of more than `mostLines` of one rank the others are counted: a list shows no more.
+    void match(const SearchedNote& note, Collect collect, NoteMatches& matches,
+               std::size_t mostLines = everyLine) const;
 
     /// What each line and title that matches holds; empty: there is no such text. For who must do
     /// much to make a `SearchedNote`, and asks for this first.

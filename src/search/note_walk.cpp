@@ -39,12 +39,13 @@ std::size_t titleLineOf(const SearchedNote& note) {
 }  // namespace
 
 NoteWalk::NoteWalk(const Asked& asked, const SearchedNote& note, Others others, Collect collect,
-                   NoteMatches& matches)
+                   std::size_t mostLines, NoteMatches& matches)
     : _asked(asked),
       _note(note),
       _text(note.foldedText),
       _others(others),
       _collect(collect),
+      _mostLines(mostLines),
       _detail(collect == Collect::rows ? LineTest::Detail::rank : LineTest::Detail::whether),
       _matches(matches),
       _titleLine(others.areRows ? titleLineOf(note) : Needle::npos) {}
@@ -175,7 +176,9 @@ void NoteWalk::takeForNote(const Stretch& line, Rank rank) {
 void NoteWalk::addRow(const LineMatch& match, Rank rank) {
     ++(isTextRow(rank) ? _matches.textRows : _matches.rows);
     ++(isTextRow(rank) ? _matches.textTaskRows : _matches.taskRows);
-    if (_collect == Collect::rows) {
+    const auto index = static_cast<std::size_t>(rank);
+    if (_collect == Collect::rows && _kept[index] < _mostLines) {
+        ++_kept[index];
         _matches.lines.push_back(match);
         _matches.lines.back().rank = static_cast<std::uint8_t>(rank);
     }

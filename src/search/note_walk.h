@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <limits>
 #include <string_view>
 
 #include "search/day_range.h"
@@ -14,6 +16,8 @@ namespace tessaly::search {
 
 /// What is kept of a note's matches.
 enum class Collect { rows, counts };
+/// Stands for any number of lines.
+inline constexpr std::size_t everyLine = std::numeric_limits<std::size_t>::max();
 
 /// One note, looked through for the lines that match.
 ///
@@ -36,9 +40,9 @@ public:
         bool titleMatches = false;  ///< the note has its row even without them
     };
 
-    /// All outlive it; `matches` is empty.
+    /// All outlive it; `matches` is empty. Of each rank at most so many lines are kept.
     NoteWalk(const Asked& asked, const SearchedNote& note, Others others, Collect collect,
-             NoteMatches& matches);
+             std::size_t mostLines, NoteMatches& matches);
 
     void run();
 
@@ -70,12 +74,14 @@ private:
     const std::string_view _text;
     const Others _others;
     const Collect _collect;
+    const std::size_t _mostLines;
     const LineTest::Detail _detail;
     NoteMatches& _matches;
 
     std::size_t _place = 0;  // a line's start: those before are done
     std::size_t _task = 0;   // the first task not before it
     Rank _noteRank = Rank::none;
+    std::array<std::size_t, 2> _kept{};     // lines, by rank
     std::size_t _titleLine = Needle::npos;  // where it begins; only where others are rows
     // A line, with its index, at or before those yet to be counted.
     std::size_t _countedStart = 0;

@@ -25,7 +25,7 @@ bool isTagToken(std::string_view query) {
 }  // namespace
 
 RoutedQuery routeQuery(std::string_view query, bool hasFilter) {
-    const std::string foldedQuery = folded(query);
+    const std::string foldedQuery = foldedAsTyped(query);
     const std::string_view wanted = base::trimmed(foldedQuery);
     if (isTagToken(wanted)) {
         return {SearchRoute::tags, std::string(wanted)};

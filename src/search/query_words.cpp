@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "base/utf8.h"
+#include "search/folded_text.h"
 
 namespace tessaly::search {
 namespace {
@@ -91,6 +92,10 @@ std::optional<QueryWord> takePlainWord(std::string_view& rest) {
     word.whole = rest.substr(0, endOfWord(rest));
     rest.remove_prefix(word.whole.size());
     return word;
+}
+
+std::string foldedAsTyped(std::string_view query) {
+    return base::isUtf8(query) ? folded(query) : folded(base::toUtf8(base::toUtf16(query)));
 }
 
 std::optional<QueryWord> takeWord(std::string_view& rest) {

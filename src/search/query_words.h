@@ -2,11 +2,16 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "search/search_query.h"
 
 namespace tessaly::search {
+
+/// A query of any bytes as it is read and compared: folded, and with U+FFFD for what is no UTF-8,
+/// which else would be found within the characters of notes.
+std::string foldedAsTyped(std::string_view query);
 
 /// A word of a folded query, by its form alone. All views are of the query.
 struct QueryWord {

@@ -50,7 +50,7 @@ struct SearchHelper::Run {
 SearchHelper::SearchHelper(Tools tools)
     : _tools(std::move(tools)),
       _notes(_tools.executor, _tools.names,
-             [&clock = _tools.clock](base::Instant instant) { return clock.local(instant).day; }),
+             [&clock = _tools.clock](base::Instant instant) { return clock.local(instant); }),
       semaphore(_tools.executor) {
     const base::Day today = _tools.clock.today();
     _searchStart = base::addDays(today, -daysBefore);
@@ -111,11 +111,13 @@ void SearchHelper::showList(const Run& run) {
 void SearchHelper::searchNotes(const Run& run) {
     const NoteMatcher& matcher = *run.plan.matcher;
     const bool isTag = run.plan.route == SearchRoute::tags;
+    const std::size_t mostLines = run.request.mostRows == 0 ? everyLine : run.request.mostRows;
     FoundRows found(isTag ? FoundRows::Kind::tag : FoundRows::Kind::text,
                     run.emptyRows(_tools.names));
     const SearchWalk::Options options{
-        .ask = [&matcher](const SearchedNote& note, Collect collect,
-                          NoteMatches& matches) { matcher.match(note, collect, matches); },
+        .ask = [&matcher, mostLines](
+                   const SearchedNote& note, Collect collect,
+                   NoteMatches& matches) { matcher.match(note, collect, matches, mostLines); },
         .isStale = run.isStale,
         .onFirstRows = [&] { deliver(run, found.rows().results(false), false); }};
     if (!SearchWalk(*run.notes, found, options).run(_tools.executor)) {

@@ -36,8 +36,8 @@ struct SearchSettings {
 };
 
 /// Answers the search field of the list of notes, out of the note cache. One instance serves one
-/// list. Every keystroke is a request; a newer one ends the older ones, within a note's time. None of
-/// their closures is called from then on, but one may be on its way: who hands rows to another
+/// list. Every keystroke is a request; a newer one ends the older ones, within a note's time. None
+/// of their closures is called from then on, but one may be on its way: who hands rows to another
 /// thread compares the request's id with `searchId` there. An exception that leaves a closure is
 /// logged and ends its request.
 class SearchHelper {
@@ -63,9 +63,9 @@ public:
     struct Request {
         std::string query;
         Filter filter;
-        std::size_t mostRows = 1000;  ///< delivered; all are counted
-        Results results = {};         ///< may be empty
-        Finished finished = {};       ///< once, behind the last results; may be empty
+        std::size_t mostRows = 200;  ///< delivered; 0: all. All are counted
+        Results results = {};        ///< may be empty
+        Finished finished = {};      ///< once, behind the last results; may be empty
     };
 
     explicit SearchHelper(Tools tools);

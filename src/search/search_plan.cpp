@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "search/search_plan.h"
 
+#include <string>
 #include <vector>
 
 namespace tessaly::search {
@@ -14,17 +15,24 @@ SearchPlan planSearch(std::string_view query, const Filter& filter, base::Day to
         return plan;
     }
     const FilterConditions conditions = conditionsOf(filter, today, firstDayOfWeek);
+    const RoutedQuery keyword = routeQuery(conditions.keyword, true);
+    std::vector<std::string> tags;
     std::vector<SearchQuery> queries;
-    if (routed.route == SearchRoute::text) {
-        queries.push_back(readQuery(routed.query, parseDay));
+    for (const RoutedQuery& asked : {routed, keyword}) {
+        if (asked.route == SearchRoute::tags) {
+            tags.push_back(asked.query);
+        } else if (!asked.query.empty()) {
+            queries.push_back(readQuery(asked.query, parseDay));
+        }
+    }
+    if (routed.route == SearchRoute::text && !routed.query.empty()) {
         plan.agendaDate = queries.front().agendaDay();
     }
-    if (!conditions.keyword.empty()) {
-        queries.push_back(readQuery(conditions.keyword, parseDay));
-    }
-    plan.matcher = routed.route == SearchRoute::tags
-                       ? NoteMatcher::forTag(routed.query, conditions, queries)
-                       : NoteMatcher(queries, conditions);
+    plan.route = tags.empty() ? SearchRoute::text : SearchRoute::tags;
+    const auto shown =
+        routed.route == SearchRoute::text ? LineTest::Shown::text : LineTest::Shown::tag;
+    plan.matcher = tags.empty() ? NoteMatcher(queries, conditions)
+                                : NoteMatcher::forTags(tags, conditions, queries, shown);
     return plan;
 }
 

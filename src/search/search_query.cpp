@@ -180,7 +180,7 @@ std::optional<base::Day> SearchQuery::agendaDay() const {
 }
 
 SearchQuery readQuery(std::string_view query, const ParseDay& parseDay) {
-    const std::string foldedQuery = folded(query);
+    const std::string foldedQuery = foldedAsTyped(query);
     return QueryReader(parseDay).read(base::trimmed(foldedQuery));
 }
 

@@ -81,6 +81,8 @@ bool isInFolder(std::string_view notesFolder, std::string_view folder);
 /// One thing that a query asks for, in words for the user: "with the text “call bob”".
 /// In the order of the query's members; for `--explain` and the window's hint.
 std::vector<std::string> explainQuery(const SearchQuery& query);
+/// The part of it that tells of words that look like operators and are none.
+std::vector<std::string> explainMisread(const SearchQuery& query);
 /// Nothing for a text, which `explainQuery` explains.
 std::vector<std::string> explainRoute(const RoutedQuery& routed);
 

@@ -14,7 +14,7 @@ namespace tessaly::search {
 namespace {
 
 /// So many notes are a thread's turn.
-constexpr std::size_t notesInBlock = 128;
+constexpr std::size_t notesInBlock = 512;
 
 /// Calls `body(first, last)` for blocks of indices, on all threads where there are several.
 template <class Body>
@@ -80,7 +80,8 @@ SearchedNote SearchableNote::view() const {
 /// Makes notes; each thread has its own.
 class SearchableNotes::Maker {
 public:
-    Maker(const SearchableNotes& owner, const NoteLooks& looks) : _owner(owner), _looks(looks) {}
+    Maker(const SearchableNotes& owner, const NoteLooks& looks)
+        : _owner(owner), _looks(looks), _localDays(owner._localTimeOf) {}
 
     /// As it is needed for finding its place.
     SearchableNote placed(const Source& source) const {
@@ -99,7 +100,7 @@ public:
 
     std::shared_ptr<const SearchableNote> whole(const Source& source) {
         SearchableNote note = placed(source);
-        note.changedDay = _owner._localDay(note.modified);
+        note.changedDay = _localDays(note.modified);
         note.folder = foldedFolder(note);
         note.foldedFolder = *note.folder;
         if (needsFolding(note.text)) {
@@ -142,16 +143,17 @@ private:
 
     const SearchableNotes& _owner;
     const NoteLooks& _looks;
+    LocalDays _localDays;
     grammar::NoteScanner _scanner;
     std::string _folder;
     std::shared_ptr<const std::string> _foldedFolder;
 };
 
 SearchableNotes::SearchableNotes(base::Executor& executor, const grammar::DateStringHelper& names,
-                                 LocalDay localDay)
+                                 LocalTimeOf localTimeOf)
     : _executor(executor),
       _names(names),
-      _localDay(std::move(localDay)),
+      _localTimeOf(std::move(localTimeOf)),
       _generalNotes(std::make_shared<const store::GeneralNotes>()),
       _calendarNotes(std::make_shared<const store::CalendarNotes>()),
       _notes(std::make_shared<const NotesInOrder>()) {}

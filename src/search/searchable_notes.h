@@ -14,6 +14,7 @@
 #include "base/sort_type.h"
 #include "grammar/date_string_helper.h"
 #include "grammar/line_scanner.h"
+#include "search/local_days.h"
 #include "search/note_order.h"
 #include "search/searched_note.h"
 #include "search/task_places.h"
@@ -81,12 +82,9 @@ struct NoteLooks {
 /// for those that folding changes. Not for two threads at once; what it returns is for any.
 class SearchableNotes {
 public:
-    using LocalDay = std::function<base::Day(base::Instant)>;
-
-    /// All outlive it. `localDay` tells on which day of the user's zone an instant lies; any
-    /// thread.
+    /// All outlive it.
     SearchableNotes(base::Executor& executor, const grammar::DateStringHelper& names,
-                    LocalDay localDay);
+                    LocalTimeOf localTimeOf);
 
     /// The notes of two snapshots of the cache. With many that are new, all threads work.
     std::shared_ptr<const NotesInOrder> of(
@@ -113,7 +111,7 @@ private:
 
     base::Executor& _executor;
     const grammar::DateStringHelper& _names;
-    const LocalDay _localDay;
+    const LocalTimeOf _localTimeOf;
 
     // As of the last time.
     std::shared_ptr<const store::GeneralNotes> _generalNotes;

@@ -21,8 +21,8 @@ bool startsWith(std::string_view text, std::string_view token) {
 }
 
 bool isTagOf(std::string_view mark, std::string_view token) {
-    return startsWith(mark, token) &&
-           (mark.size() == token.size() || mark[token.size()] == '/' || mark[token.size()] == '(');
+    return startsWith(mark, token) && (mark.size() == token.size() || token.ends_with('/') ||
+                                       mark[token.size()] == '/' || mark[token.size()] == '(');
 }
 
 bool isTag(const grammar::Mark& mark) {

@@ -76,7 +76,8 @@ std::optional<int> tagRankOf(std::string_view line, const std::string& tag) {
         for (const std::string& mark : found) {
             const std::string folded = foldedByForce(mark);
             if (folded == token || folded.starts_with(token + "/") ||
-                folded.starts_with(token + "(")) {
+                folded.starts_with(token + "(") ||
+                (token.ends_with('/') && folded.starts_with(token))) {
                 return 0;
             }
         }
@@ -133,11 +134,7 @@ bool isAboutNotesOnly(const Asked& asked) {
 }
 
 bool titleMatches(const PlainNote& note, const Asked& asked) {
-    const bool seeks = std::any_of(asked.queries.begin(), asked.queries.end(),
-                                   [](const search::SearchQuery& query) {
-                                       return !query.text.empty() || !query.phrases.empty();
-                                   });
-    return seeks && asked.tag.empty() && rankOf(foldedString(note.title), asked).has_value();
+    return asked.tag.empty() && rankOf(foldedString(note.title), asked).has_value();
 }
 
 std::vector<std::string> linesOf(const std::string& text) {

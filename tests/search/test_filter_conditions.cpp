@@ -172,8 +172,28 @@ TEST_CASE("what a filter lets pass is told in words") {
     CHECK(told({FilterItem(Param::noStatus)}) ==
           "no tasks\n"
           "lines that are no tasks, each by itself\n"
-          "no notes, events and reminders");
+          "neither notes nor events nor reminders");
     CHECK(told({FilterItem(Param::done), FilterItem(Param::open), FilterItem(Param::eventItem)}) ==
           "tasks in these states: open, done\n"
           "of notes, events and reminders: events");
+    const std::string all =
+        "tasks, in any state\n"
+        "of notes, events and reminders: general notes, calendar notes, events, reminders\n";
+    struct Row {
+        Filter filter;
+        std::string expected;
+    };
+    const FilterItem noDay(Param::startDate, "2019-13-01");
+    for (const Row& row : std::vector<Row>{
+             {{FilterItem(Param::keyword, " #Work ")},
+              "lines that carry “#work”, or, if none does, hold it in their text"},
+             {{timeframe("bogus"), noDay}, "no timeframe is called “bogus”, so all days are meant"},
+             {{noDay, FilterItem(Param::endDate, "2019-03-05")},
+              "on 2019-03-05 or earlier\n"
+              "the first day “2019-13-01” is no day, so none is too early"},
+             {{timeframe("fptf_custom"), FilterItem(Param::endDate, "{}")},
+              "the last day “{}” is no day, so none is too late"}}) {
+        CHECK(told(row.filter) == all + row.expected);
+    }
+    CHECK(told({timeframe("fptf_past"), noDay}) == all + "on 2019-03-04 or earlier");
 }

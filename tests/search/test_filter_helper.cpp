@@ -97,6 +97,7 @@ TEST_CASE("a filter is saved under a name that a file can have") {
     struct Row {
         std::string name;
         std::string saved;  ///< none: refused
+        Failure::Kind failure = Failure::Kind::malformed;
     };
     for (const Row& row : std::vector<Row>{{"This week", "This week"},
                                            {"a/b: c?", "ab c"},
@@ -104,6 +105,9 @@ TEST_CASE("a filter is saved under a name that a file can have") {
                                            {"Über", "Über"},
                                            {"my.filter", "My.Filter"},
                                            {"THIS WEEK", "This week"},
+                                           {"a/b: c?", "", Failure::Kind::exists},
+                                           {"AB: C", "", Failure::Kind::exists},
+                                           {"myfilter", "myfilter"},
                                            {"", ""},
                                            {"//", ""},
                                            {".hidden", ""},
@@ -112,16 +116,18 @@ TEST_CASE("a filter is saved under a name that a file can have") {
         CAPTURE(row.name);
         const auto before = filters.names();
         const auto saved = filters.helper.save(row.name, home);
-        CHECK((saved ? *saved : "") == row.saved);
+        CHECK((saved ? saved->name : "") == row.saved);
         if (saved) {
             CHECK(filters.holds(row.name, home));
-            CHECK(filters.holds(*saved, home));
+            CHECK(filters.holds(saved->name, home));
+            const bool isNew = saved->how == FilterHelper::Saved::How::anew;
+            CHECK(isNew == (filters.names() != before));
         } else {
-            CHECK(saved.failure().kind == Failure::Kind::malformed);
+            CHECK(saved.failure().kind == row.failure);
             CHECK(filters.names() == before);
         }
     }
-    CHECK(filters.listed() == Names{"ab c", "My.Filter", "This week", "Über"});
+    CHECK(filters.listed() == Names{"ab c", "My.Filter", "myfilter", "This week", "Über"});
     CHECK(filters.folder.names() == Names{"data", "history", "locks"});
 }
 

@@ -61,7 +61,7 @@ private:
 
 NoteMatcher matcherOf(const Asked& asked) {
     return asked.tag.empty() ? NoteMatcher(asked.queries, asked.filter)
-                             : NoteMatcher::forTag(asked.tag, asked.filter, asked.queries);
+                             : NoteMatcher::forTags({asked.tag}, asked.filter, asked.queries);
 }
 
 FoundLine found(const search::LineMatch& line) {

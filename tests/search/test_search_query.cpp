@@ -88,7 +88,7 @@ std::string repeated(std::string_view part, std::size_t bytes) {
 }  // namespace
 
 TEST_CASE("a query without operators is its text") {
-    const std::array<Reading, 24> rows{{
+    const std::array<Reading, 25> rows{{
         {" Call  Bob\t", "text=call  bob words=call|bob"},
         {"bob", "text=bob"},
         {"bob bob", "text=bob bob words=bob"},
@@ -112,6 +112,7 @@ TEST_CASE("a query without operators is its text") {
         {"5\" 6\"", "text=5\" 6\" words=5\"|6\""},
         {"\"\"", "text=\"\""},
         {"A\u030A\u00A0\u039F\u03A3", "text=\u00E5\u00A0\u03BF\u03C3 words=\u00E5|\u03BF\u03C3"},
+        {"\xA4 \xC3", "text=\uFFFD \uFFFD words=\uFFFD"},
         {"\xE2\x80\x8F\u05E9\u05DC", "text=\xE2\x80\x8F\u05E9\u05DC"},
     }};
     for (const Reading& row : rows) {
@@ -319,7 +320,7 @@ TEST_CASE("what a query asks for is told in words") {
           "on 2019-03-06 or later");
     CHECK(told("{} is:task is:red on:nix before:2019-03-05 after:2019-03-01 title: \"x") ==
           "with the text “{} is:red on:nix title: \"x”, or, further down, with all of its words\n"
-          "tasks, in any state\n"
+          "only tasks\n"
           "from 2019-03-02 to 2019-03-04\n"
           "“is:red” is looked for as text: a task is open, done, scheduled or cancelled\n"
           "“on:nix” is looked for as text: no day is called so\n"

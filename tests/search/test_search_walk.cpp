@@ -34,8 +34,8 @@ std::shared_ptr<const search::NotesInOrder> manyNotes() {
                                                tests::stampOf({text}), {}, scanner));
         }
         base::InlineExecutor here;
-        search::SearchableNotes searchable(here, names, [](base::Instant instant) -> base::Day {
-            return std::chrono::floor<std::chrono::days>(instant);
+        search::SearchableNotes searchable(here, names, [](base::Instant instant) {
+            return base::LocalTime{std::chrono::floor<std::chrono::days>(instant)};
         });
         return searchable.of(std::make_shared<const store::GeneralNotes>(std::move(items)),
                              std::make_shared<const store::CalendarNotes>(), {});
@@ -63,11 +63,12 @@ Walked walk(base::Executor& executor, const std::string& query, std::size_t most
     std::atomic<bool> isCalledWhenStale = false;
     const auto isOver = [&] { return asksUntilStale >= 0 && asks > asksUntilStale; };
     const search::SearchWalk::Options options{
-        .ask = [&](const search::SearchedNote& note, search::Collect collect,
-                   search::NoteMatches& matches) {
-            askedWhenStale += isOver() ? 1 : 0;
-            plan.matcher->match(note, collect, matches);
-        },
+        .ask =
+            [&](const search::SearchedNote& note, search::Collect collect,
+                search::NoteMatches& matches) {
+                askedWhenStale += isOver() ? 1 : 0;
+                plan.matcher->match(note, collect, matches);
+            },
         .isStale = [&] { return asksUntilStale >= 0 && ++asks > asksUntilStale; },
         .onFirstRows =
             [&] {

@@ -23,8 +23,8 @@ namespace {
 
 const grammar::DateStringHelper names{base::LocaleFormats("en_US")};
 
-base::Day utcDay(base::Instant instant) {
-    return std::chrono::floor<std::chrono::days>(instant);
+base::LocalTime utcTime(base::Instant instant) {
+    return {std::chrono::floor<std::chrono::days>(instant)};
 }
 
 std::string describe(const search::NotesInOrder& notes) {
@@ -136,11 +136,11 @@ TEST_CASE("notes that are kept up to date are those that are made anew") {
         Changes changes(seed);
         tests::NotesInMemory notes;
         search::NoteLooks looks{base::SortType::title, 2019y / 3 / 5, {}};
-        search::SearchableNotes kept(pool, names, utcDay);
+        search::SearchableNotes kept(pool, names, utcTime);
         for (int step = 0; step < 40; ++step) {
             INFO("seed ", seed, ", step ", step);
             changes.make(notes, looks);
-            search::SearchableNotes anew(here, names, utcDay);
+            search::SearchableNotes anew(here, names, utcTime);
             const auto found = kept.of(notes.general, notes.calendar, looks);
             REQUIRE(describe(*found) == describe(*anew.of(notes.general, notes.calendar, looks)));
             REQUIRE(namesIn(*found) == namesSorted(notes, looks));
@@ -155,7 +155,7 @@ TEST_CASE("a note that has not changed is not made anew") {
         notes.setGeneral(std::to_string(index) + ".txt",
                          tests::MemoryNote{"# A\n* b\n", index % 7});
     }
-    search::SearchableNotes kept(here, names, utcDay);
+    search::SearchableNotes kept(here, names, utcTime);
     const search::NoteLooks looks{base::SortType::modified, 2019y / 3 / 5, {}};
     std::set<search::NotesInOrder::Pointer> before;
     kept.of(notes.general, notes.calendar, looks)->forEach([&](const auto& note) {
