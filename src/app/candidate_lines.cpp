@@ -37,6 +37,10 @@ public:
         _counted = start;
         if (!lines.indexes.empty()) {
             lines.text += '\n';
+        } else if (start > 0) {
+            // Only what a text begins with is a byte-order mark.
+            lines.text += '\n';
+            lines.indexes.push_back(0);
         }
         lines.text.append(_text.substr(start, end - start));
         lines.indexes.push_back(_index);

@@ -30,7 +30,8 @@ void renumber(search::NoteMatches& matches, std::span<const std::size_t> indexes
 MatchCollector::MatchCollector(const Tools& tools)
     : _tools(tools),
       _goesByLines(tools.candidates.canBeTold() && !tools.matcher.filter().kinds.hasOther() &&
-                   tools.kept == KeptText::matches) {}
+                   tools.kept == KeptText::matches),
+      _localDays(tools.localTimeOf) {}
 
 void MatchCollector::add(const store::NoteFile& file) {
     const NoteDay noteDay = noteDayOf(file);
@@ -45,27 +46,30 @@ void MatchCollector::add(const store::NoteFile& file) {
     }
     const std::string_view text = store::decodedText(file.bytes).value_or(std::string_view());
     MatchedNote note = _tools.names.noteOf(file, noteDay.day, std::move(name), text);
+    if (!_tools.matcher.days().isOpen()) {
+        note.changedDay = _localDays(note.modified);
+    }
     if (_goesByLines) {
-        addByLines(note, text);
+        addByLines(std::move(note), text);
     } else {
         addWhole(std::move(note), text);
     }
 }
 
-void MatchCollector::addByLines(const MatchedNote& note, std::string_view text) {
+void MatchCollector::addByLines(MatchedNote note, std::string_view text) {
     const CandidateLines::Lines lines = _tools.candidates.of(text);
     Prepared prepared;
     if (!match(note, lines.text, prepared)) {
         return;
     }
     if (search::ResultRows::needWholeText(_matches)) {
-        addWhole(note, text);
+        addWhole(std::move(note), text);
         return;
     }
-    MatchedNote& kept = _notes.emplace_back(note);
-    kept.matches = _matches;
-    keepText(kept, prepared.note, _tools.kept);
-    renumber(kept.matches, lines.indexes);
+    note.matches = _matches;
+    keepText(note, prepared.note, _tools.kept);
+    renumber(note.matches, lines.indexes);
+    _notes.push_back(std::move(note));
 }
 
 void MatchCollector::addWhole(MatchedNote note, std::string_view text) {
@@ -88,7 +92,7 @@ bool MatchCollector::match(const MatchedNote& note, std::string_view text, Prepa
     }
     prepared.tasks = search::tasksOf(text, prepared.note.foldedText, _tools.markers, _scanner);
     prepared.note.tasks = prepared.tasks;
-    _tools.matcher.match(prepared.note, search::Collect::rows, _matches);
+    _tools.matcher.match(prepared.note, search::Collect::rows, _matches, _tools.mostLines);
     return _matches.rows + _matches.textRows > 0;
 }
 

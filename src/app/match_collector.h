@@ -10,6 +10,7 @@
 #include "app/candidate_lines.h"
 #include "app/matched_notes.h"
 #include "grammar/line_scanner.h"
+#include "search/local_days.h"
 #include "search/note_matcher.h"
 #include "store/note_reader.h"
 
@@ -23,8 +24,10 @@ public:
         const search::NoteMatcher& matcher;
         const CandidateLines& candidates;
         const NoteNames& names;
+        search::LocalTimeOf localTimeOf;
         grammar::MarkerSettings markers;
         KeptText kept;
+        std::size_t mostLines = search::everyLine;  ///< of a note
     };
 
     explicit MatchCollector(const Tools& tools);
@@ -33,7 +36,7 @@ public:
     std::vector<MatchedNote> take() { return std::move(_notes); }
 
 private:
-    void addByLines(const MatchedNote& note, std::string_view text);
+    void addByLines(MatchedNote note, std::string_view text);
     void addWhole(MatchedNote note, std::string_view text);
 
     /// A text that is part of a note's or all of it, made ready to be asked.
@@ -47,6 +50,7 @@ private:
 
     const Tools _tools;
     const bool _goesByLines;  ///< only the lines that may match are asked
+    search::LocalDays _localDays;
     grammar::NoteScanner _scanner;
     search::NoteMatches _matches;
     std::vector<MatchedNote> _notes;

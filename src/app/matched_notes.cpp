@@ -83,7 +83,6 @@ MatchedNote NoteNames::noteOf(const store::NoteFile& file, std::optional<base::D
     note.foldedTitle = search::folded(note.title);
     note.foldedFolder = foldedFolderOf(file.type, file.filename);
     note.day = day;
-    note.changedDay = _clock.local(file.stamp.modified).day;
     note.modified = file.stamp.modified;
     note.created = file.stamp.created;
     return note;

@@ -10,7 +10,6 @@
 #include "base/note_type.h"
 #include "base/sort_type.h"
 #include "grammar/date_string_helper.h"
-#include "ports/clock.h"
 #include "search/note_matcher.h"
 #include "search/note_order.h"
 #include "store/note_reader.h"
@@ -49,19 +48,18 @@ void keepText(MatchedNote& note, const search::SearchedNote& searched, KeptText 
 /// Makes notes of files that are read.
 class NoteNames {
 public:
-    /// Both outlive it. Days are named relative to `today`.
-    NoteNames(const grammar::DateStringHelper& names, ports::Clock& clock, base::Day today)
-        : _names(names), _clock(clock), _today(today) {}
+    /// `names` outlives it. Days are named relative to `today`.
+    NoteNames(const grammar::DateStringHelper& names, base::Day today)
+        : _names(names), _today(today) {}
 
     /// What the note is called, its text left out of account: its day's name, else its file's.
     std::string nameOf(const store::NoteFile& file, std::optional<base::Day> day) const;
-    /// The note without text and matches; `name` is as `nameOf` has it.
+    /// The note without text, matches and the day of its change; `name` is as `nameOf` has it.
     MatchedNote noteOf(const store::NoteFile& file, std::optional<base::Day> day, std::string name,
                        std::string_view text) const;
 
 private:
     const grammar::DateStringHelper& _names;
-    ports::Clock& _clock;
     const base::Day _today;
 };
 

@@ -5,6 +5,8 @@
 #include <span>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "app/candidate_lines.h"
 #include "app/match_collector.h"
 #include "app/matched_notes.h"
@@ -91,8 +93,9 @@ public:
           _options(std::move(options)),
           _settings(searchSettings(services)),
           _plan(planOf(services, wanted)),
-          _names(services.dateStrings(), services.ports().clock, services.today()) {
+          _names(services.dateStrings(), services.today()) {
         _options.types = {base::NoteType::calendar, base::NoteType::note};
+        _options.seenPages = store::NoteReader::SeenPages::kept;
     }
 
     FoundNotes run() {
@@ -110,6 +113,12 @@ public:
 private:
     KeptText kept() const {
         return _wanted.objects == ResultRows::Objects::made ? KeptText::whole : KeptText::matches;
+    }
+
+    search::LocalTimeOf localTimes() const {
+        return [&clock = _services.ports().clock](base::Instant instant) {
+            return clock.local(instant);
+        };
     }
 
     ResultRows noRows() const {
@@ -156,7 +165,8 @@ private:
     FoundNotes findMatches(const search::NoteMatcher& matcher) {
         const CandidateLines candidates(matcher);
         return find(
-            MatchCollector({matcher, candidates, _names, _settings.counting.markers, kept()}));
+            MatchCollector({matcher, candidates, _names, localTimes(), _settings.counting.markers,
+                            kept(), _wanted.mostRows == 0 ? search::everyLine : _wanted.mostRows}));
     }
 
     FoundNotes findInbox() {
@@ -208,8 +218,32 @@ std::vector<std::string> explainSearch(Services& services, const NoteSearch& wan
     if (routed.route == SearchRoute::text) {
         add(search::explainQuery(search::readQuery(routed.query, dayParser(services))));
     }
+    if (!wanted.filter.empty()) {
+        lines.push_back(fmt::format(fmt::runtime(base::tr("the filter “{}”:")), wanted.filterName));
+    }
     add(search::explainFilter(search::conditionsOf(wanted.filter, services.today(),
                                                    services.globals().firstDayOfWeek())));
+    return lines;
+}
+
+std::vector<std::string> remarksOn(Services& services, const NoteSearch& wanted,
+                                   const store::NoteReader::Options& options) {
+    const auto routed = search::routeQuery(wanted.query, !wanted.filter.empty());
+    if (routed.route != SearchRoute::text) {
+        const search::SearchPlan plan = planOf(services, wanted);
+        const bool isNoList =
+            routed.route == SearchRoute::defaultList && plan.list == search::DefaultList::none;
+        return isNoList ? search::explainRoute(routed) : std::vector<std::string>{};
+    }
+    const auto query = search::readQuery(routed.query, dayParser(services));
+    std::vector<std::string> lines = search::explainMisread(query);
+    for (const std::string& folder : query.folders) {
+        const std::string isThere = fmt::format("in:\"{}\"", folder);
+        if (searchNotes(services, {isThere, {}, 1}, options).results.total == 0) {
+            lines.push_back(
+                fmt::format(fmt::runtime(base::tr("no note lies in the folder “{}”")), folder));
+        }
+    }
     return lines;
 }
 

@@ -21,6 +21,7 @@ struct NoteSearch {
     search::Filter filter;     ///< empty: none
     std::size_t mostRows = 0;  ///< 0: all
     search::ResultRows::Objects objects = search::ResultRows::Objects::left;
+    std::string filterName = {};  ///< for explanations
 };
 
 struct FoundNotes {
@@ -35,6 +36,12 @@ FoundNotes searchNotes(Services& services, const NoteSearch& wanted,
 
 /// How a query is read, in words for the user, one thing a line.
 std::vector<std::string> explainSearch(Services& services, const NoteSearch& wanted);
+
+/// Why a search that found nothing may have been meant otherwise, in words for the user, one thing
+/// a line: words that are no operators though they look like it, a list that is none, a folder in
+/// which no note lies. For the last all notes are read once more, with `options`.
+std::vector<std::string> remarksOn(Services& services, const NoteSearch& wanted,
+                                   const store::NoteReader::Options& options);
 
 /// What searches depend on, from the settings as they are now.
 search::SearchSettings searchSettings(Services& services);

@@ -26,13 +26,14 @@ enum class ChangeCause {
     undone,      ///< one of these changes was taken back
     resolved,    ///< a version was chosen, or several were joined
     held,        ///< held by a program that watches, before others changed it
+    saved,       ///< a filter, new or in the place of another
 };
 
 }  // namespace tessaly::store
 
 template <>
 struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
-    static constexpr std::array<EnumName<store::ChangeCause>, 17> rows{{
+    static constexpr std::array<EnumName<store::ChangeCause>, 18> rows{{
         {store::ChangeCause::found, "found"},
         {store::ChangeCause::created, "created"},
         {store::ChangeCause::added, "added"},
@@ -50,5 +51,6 @@ struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
         {store::ChangeCause::undone, "undone"},
         {store::ChangeCause::resolved, "resolved"},
         {store::ChangeCause::held, "held"},
+        {store::ChangeCause::saved, "saved"},
     }};
 };

@@ -49,8 +49,9 @@ NoteDelivery::NoteDelivery(ports::FileSystem& files, const NoteIndex* index,
       _options(options),
       _visit(visit),
       _nextTelling(filesBetweenTellings) {
+    const bool areKept = options.seenPages == NoteReader::SeenPages::kept;
     for (std::size_t worker = 0; worker < workers; ++worker) {
-        _workers.emplace_back(index);
+        _workers.emplace_back(areKept ? nullptr : index);
     }
 }
 
@@ -108,7 +109,7 @@ bool NoteDelivery::takeKnown(std::size_t worker, NoteFile file, NoteIndex::Entry
     }
     deliver(worker, file, file.stamp.size);
     ++report(worker).fromIndex;
-    if (!file.record) {
+    if (!file.record && _options.seenPages == NoteReader::SeenPages::givenBack) {
         _workers[worker].seen.add(file.bytes);
     }
     return true;

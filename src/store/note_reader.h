@@ -83,10 +83,14 @@ public:
     /// What is to be known of a note: its text, or what `DayTasks` takes of it, which may be had
     /// without its text.
     enum class Wanted { text, dayTasks };
+    /// What becomes of the index's pages whose notes have been delivered: who stays gives them back
+    /// as it goes, for who is done then that is not worth the time.
+    enum class SeenPages { givenBack, kept };
 
     struct Options {
         std::vector<base::NoteType> types{base::NoteType::calendar, base::NoteType::note};
         Wanted wanted = Wanted::text;
+        SeenPages seenPages = SeenPages::givenBack;
         VisitFolder visitFolder;                       ///< sub-folders of the kinds; may be empty
         Progress progress;                             ///< may be empty
         const std::atomic<bool>* cancelled = nullptr;  ///< asked between files

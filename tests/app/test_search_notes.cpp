@@ -36,6 +36,7 @@ constexpr const char* notes =
     "-- Notes/Work/dotted.txt\n# Lands\n* [x] \xc4\xb0stanbul\n\xc4\xb0zmir\n"
     "-- Notes/Work/greek.txt\n\xce\xa4\xce\xaf\xcd\xbe \xe1\xbf\xaf\n* "
     "\xce\x9f\xce\x94\xce\x9f\xce\xa3\n"
+    "-- Notes/joined.txt\n# One\n\xef\xbb\xbf* call bob\n"
     "-- Notes/_Ideas.txt\n* [>] Idea of @bob >2019-03-07\n* Undated idea\n"
     "-- Notes/.hidden.txt\n* Not bob's\n";
 
