@@ -36,12 +36,28 @@ std::string unguarded(std::string word) {
     return word.starts_with(guard) ? word.substr(1) : word;
 }
 
-std::vector<std::string> guardedWords(int argc, const char* const* argv) {
-    std::vector<std::string> words;
-    for (int index = argc - 1; index > 0; --index) {  // the library wants them from behind
-        words.push_back(guarded(argv[index]));
+/// The words of the command line, before and behind the first "--".
+struct Words {
+    std::vector<std::string> read;
+    std::vector<std::string> taken;  ///< as they are: arguments
+};
+
+/// `tessaly help list` asks for what `tessaly --help list` does.
+Words wordsOf(int argc, const char* const* argv) {
+    const std::vector<std::string> all(argv + std::min(argc, 1), argv + argc);
+    const auto border = std::find(all.begin(), all.end(), "--");
+    Words words{{all.begin(), border}, {border == all.end() ? border : border + 1, all.end()}};
+    if (!words.read.empty() && words.read.front() == "help") {
+        words.read.front() = "--help";
     }
     return words;
+}
+
+std::vector<std::string> forLibrary(const std::vector<std::string>& words) {
+    std::vector<std::string> guardedWords;
+    std::transform(words.rbegin(), words.rend(),  // the library wants them from behind
+                   std::back_inserter(guardedWords), guarded);
+    return guardedWords;
 }
 
 /// The parser for our table of verbs. Values land in `invocation`.
@@ -74,8 +90,9 @@ public:
     }
 
     base::Result<Invocation> parse(int argc, const char* const* argv) {
+        Words words = wordsOf(argc, argv);
         try {
-            _app.parse(guardedWords(argc, argv));
+            _app.parse(forLibrary(words.read));
         } catch (const CLI::ExtrasError&) {
             return unexpected(_app.remaining(true).front());
         } catch (const CLI::ArgumentMismatch& error) {
@@ -83,7 +100,7 @@ public:
         } catch (const CLI::ParseError& error) {
             return misuse(error.what());
         }
-        return finished();
+        return finished(std::move(words.taken));
     }
 
 private:
@@ -127,6 +144,11 @@ private:
                 shown));
         }
         // Verbs take words behind them, so this one stands before any: `archiv today`.
+        return noVerb(word);
+    }
+
+    static Failure noVerb(const std::string& word) {
+        const std::string shown = safeText(unguarded(word));
         const VerbRow* near = nearestVerb(word);
         if (near == nullptr) {
             return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”")), shown));
@@ -143,7 +165,7 @@ private:
         return text == _globals.texts.end() ? std::string{} : unguarded(text->second);
     }
 
-    base::Result<Invocation> finished() {
+    base::Result<Invocation> finished(std::vector<std::string> taken) {
         Invocation invocation;
         invocation.root = global("--root");
         invocation.now = global("--now");
@@ -161,9 +183,10 @@ private:
         if (invocation.verb != nullptr) {
             std::transform(_arguments.begin(), _arguments.end(),
                            std::back_inserter(invocation.arguments), unguarded);
+            std::move(taken.begin(), taken.end(), std::back_inserter(invocation.arguments));
             return finishedVerb(std::move(invocation));
         }
-        return invocation;
+        return taken.empty() ? base::Result<Invocation>{invocation} : noVerb(taken.front());
     }
 
     static bool readColor(std::string_view text, ColorChoice& choice) {
@@ -180,6 +203,9 @@ private:
             const Values& values = _verbs[verb.name];
             if (values.options.find(row.name)->second->count() == 0) {
                 continue;
+            }
+            if (row.argument != nullptr && values.options.find(row.name)->second->count() > 1) {
+                return misuse(fmt::format(fmt::runtime(tr("{} is given twice")), row.name));
             }
             if (row.group != 0 && ofGroup != nullptr && ofGroup->group == row.group) {
                 return misuse(fmt::format(fmt::runtime(tr("{} and {} exclude each other")),

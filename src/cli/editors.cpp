@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "base/localisation.h"
 #include "base/utf8.h"
 
 namespace tessaly::cli {
@@ -65,6 +66,21 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : std::string(base::trimmed(value));
 }
 
+/// Whether the first word is a program's name or path that every shell takes as it stands.
+bool namesProgram(std::string_view word) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._+-";
+    return !word.empty() && word.front() != '-' &&
+           word.find_first_not_of(plain) == std::string_view::npos;
+}
+
+/// For the shell: a program that is not there is told in our words, `$2`, before it is started.
+std::string_view checkOf(std::string_view word) {
+    return namesProgram(word)
+               ? R"(command -v "$1" >/dev/null || { printf '%s\n' "$2" >&2; exit 1; }; )"
+               : std::string_view{};
+}
+
 }  // namespace
 
 std::string userEditor() {
@@ -84,11 +100,16 @@ Arguments editorArguments(std::string_view command, const std::string& file,
 
 // The variables hold a command as a shell reads it, with quotes and variables of its own.
 base::Failure becomeEditor(const std::string& command, const Arguments& arguments) {
-    Arguments words{"sh", "-c", command + " \"$@\"", command};
+    const std::string_view trimmed = base::trimmed(command);
+    const std::string word{trimmed.substr(0, trimmed.find_first_of(" \t\n"))};
+    const std::string missing = fmt::format(
+        "tessaly: {}", fmt::format(fmt::runtime(base::tr("the editor “{}” is not there")), word));
+    const std::string script = fmt::format(R"({}shift 2; {} "$@")", checkOf(word), command);
+    Arguments words{"sh", "-c", script, command, word, missing};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
-    for (std::string& word : words) {
-        pointers.push_back(word.data());
+    for (std::string& one : words) {
+        pointers.push_back(one.data());
     }
     pointers.push_back(nullptr);
     std::signal(SIGPIPE, SIG_DFL);  // ignored, it would be so in the editor, too

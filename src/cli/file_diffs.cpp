@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "cli/json_line.h"
+#include "cli/note_text.h"
 #include "cli/safe_text.h"
 #include "cli/spans.h"
 #include "store/paths.h"
@@ -68,13 +69,37 @@ std::string headerOf(const app::FileChange& change, const std::string& from,
                        inQuotesIfNeeded(sided('b', to)), lines);
 }
 
-std::string textOf(const app::FileChange& change, const std::string& root) {
+bool isOfBinary(const app::FileChange& change) {
+    return isBinary(change.before.value_or("")) || isBinary(change.after.value_or(""));
+}
+
+std::string binarySide(Context& context, char side, const std::string& name,
+                       const std::optional<std::string>& bytes) {
+    return bytes ? fmt::format("{} ({})", sided(side, name), sizeInWords(context, bytes->size()))
+                 : "/dev/null";
+}
+
+/// What `patch` passes over.
+std::string binaryDiff(Context& context, const app::FileChange& change, const std::string& from,
+                       const std::string& to) {
+    return change.before == change.after
+               ? std::string()
+               : fmt::format("Binary files {} and {} differ\n",
+                             binarySide(context, 'a', from, change.before),
+                             binarySide(context, 'b', to, change.after));
+}
+
+std::string textOf(Context& context, const app::FileChange& change, const std::string& root) {
     const std::string to = nameOf(change.path, root);
     const std::string from = change.movedFrom ? nameOf(*change.movedFrom, root) : to;
-    return headerOf(change, safeText(from), safeText(to)) +
-           store::unifiedDiff(
-               change.before ? sided('a', from) : std::string{}, change.before.value_or(""),
-               change.after ? sided('b', to) : std::string{}, change.after.value_or(""));
+    const std::string header = headerOf(change, safeText(from), safeText(to));
+    if (isOfBinary(change)) {
+        return header + binaryDiff(context, change, safeText(from), safeText(to));
+    }
+    return header + store::unifiedDiff(change.before ? sided('a', from) : std::string{},
+                                       change.before.value_or(""),
+                                       change.after ? sided('b', to) : std::string{},
+                                       change.after.value_or(""));
 }
 
 struct LineStyle {
@@ -149,7 +174,7 @@ void printDiffs(Context& context, const std::vector<app::FileChange>& changes) {
     for (const bool withHeader : {false, true}) {
         for (const app::FileChange& change : changes) {
             if (hasHeader(change) == withHeader) {
-                printDiff(context, change, textOf(change, root));
+                printDiff(context, change, textOf(context, change, root));
             }
         }
     }

@@ -24,8 +24,9 @@ void printDiffText(Context& context, const std::string& text);
 
 /// Prints what would become of files in the unified format, as `git diff` does: "a/" and "b/"
 /// before names relative to the data folder, and a header for a file that would be moved, or that
-/// is empty and would come or go; those with a header last, as `patch` needs it. A terminal gets
-/// colours, and no control character of a note.
+/// is empty and would come or go; those with a header last, as `patch` needs it. Of a file that is
+/// binary it is only said that it differs. A terminal gets colours, and no control character of a
+/// note.
 void printDiffs(Context& context, const std::vector<app::FileChange>& changes);
 
 }  // namespace tessaly::cli

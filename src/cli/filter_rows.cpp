@@ -3,7 +3,6 @@
 
 #include <array>
 #include <optional>
-#include <string_view>
 
 #include <fmt/format.h>
 
@@ -18,8 +17,6 @@ using base::N_;
 using base::tr;
 using search::FilterParamater;
 using search::FilterTimeframe;
-
-constexpr std::size_t longestName = std::string_view("fp_calendarItem").size();
 
 // {} is the value.
 constexpr std::array parameterWords{
@@ -63,8 +60,7 @@ std::string wordsOf(const search::FilterItem& item) {
 std::vector<std::string> filterLines(const search::Filter& filter) {
     std::vector<std::string> lines;
     for (const search::FilterItem& item : filter) {
-        lines.push_back(
-            fmt::format("{:<{}}  {}", base::rawValue(item.param), longestName, wordsOf(item)));
+        lines.push_back(wordsOf(item));
         if (!item.display) {
             lines.back() += " " + tr("(hidden in editors)");
         }

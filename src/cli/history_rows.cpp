@@ -10,6 +10,7 @@
 #include "base/graphemes.h"
 #include "base/localisation.h"
 #include "cli/json_times.h"
+#include "cli/note_text.h"
 #include "cli/safe_text.h"
 #include "cli/spans.h"
 
@@ -44,6 +45,7 @@ constexpr std::array causeRows{
     CauseRow{ChangeCause::undone, N_("undone")},
     CauseRow{ChangeCause::resolved, N_("conflict resolved")},
     CauseRow{ChangeCause::held, N_("before a conflict")},
+    CauseRow{ChangeCause::saved, N_("filter saved")},
 };
 
 std::string timeOf(Context& context, const store::HistoryEntry& entry) {
@@ -51,13 +53,6 @@ std::string timeOf(Context& context, const store::HistoryEntry& entry) {
     const base::LocalTime time = services.ports().clock.local(entry.time);
     const grammar::DateStringHelper& words = services.dateStrings();
     return fmt::format("{} {}", words.dateWithYear(time.day), words.time(time));
-}
-
-std::string sizeOf(Context& context, std::uint64_t bytes) {
-    const std::string words =
-        base::trPlural("{} byte", "{} bytes", static_cast<unsigned long>(bytes));
-    return fmt::format(fmt::runtime(words), context.services.dateStrings().formats().number(
-                                                static_cast<long long>(bytes)));
 }
 
 enum class Column { time, cause, size, name };
@@ -72,7 +67,7 @@ std::string cellOf(Context& context, const app::HistoryRow& row, Column column) 
     switch (column) {
         case Column::time: return timeOf(context, row.entry);
         case Column::cause: return causeInWords(row.entry.cause);
-        case Column::size: return sizeOf(context, row.entry.bytes);
+        case Column::size: return sizeInWords(context, row.entry.bytes);
         case Column::name: return safeText(row.name);
     }
     return {};

@@ -61,8 +61,8 @@ extern "C" void onInterrupt(int) {
     errno = error;
 }
 
-/// The first Ctrl-C ends the work in hand, a second one the program. A reader of our output that
-/// goes away shows as a failing write.
+/// The first Ctrl-C ends the work in hand, and the wait for a reader; a second one the program. A
+/// reader of our output that goes away shows as a failing write.
 void handleSignals() {
     interruption = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     struct sigaction action {};
@@ -207,7 +207,7 @@ int main(int argc, char** argv) {
     handleSignals();
     const ports::UserLocale locale = platform::systemLocale();
     base::openCatalogue(catalogueFolder(), locale.languages);
-    cli::Output out{STDOUT_FILENO};
+    cli::Output out{STDOUT_FILENO, &interrupted};
     const auto invocation = cli::parseCommandLine(argc, argv);
     if (!invocation) {
         return static_cast<int>(cli::refuse(invocation.failure(), cli::verbIn(argc, argv)));

@@ -43,7 +43,9 @@ void Output::drain() {
         const ssize_t written = ::write(_descriptor, left.data(), left.size());
         if (written >= 0) {
             left.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EPIPE) {
+            // Less than all was taken: the writing was interrupted while it waited.
+            _isReaderGone = !left.empty() && isCancelled();
+        } else if (errno == EPIPE || (errno == EINTR && isCancelled())) {
             _isReaderGone = true;
         } else if (errno != EINTR) {
             _error = std::generic_category().message(errno);

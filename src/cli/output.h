@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <string_view>
 
@@ -9,7 +10,10 @@ namespace tessaly::cli {
 /// A buffered stream of bytes to a file descriptor. What was not flushed is lost.
 class Output {
 public:
-    explicit Output(int descriptor) : _descriptor(descriptor) {}
+    /// Once `cancelled` is set, by a signal that interrupts the writing, nobody waits any longer
+    /// for a reader who does not read. May be null.
+    explicit Output(int descriptor, const std::atomic<bool>* cancelled = nullptr)
+        : _descriptor(descriptor), _cancelled(cancelled) {}
 
     void write(std::string_view bytes);
     void line(std::string_view text);  ///< `text` and a line break
@@ -17,7 +21,8 @@ public:
     /// Writes what is left. False: some of it could not be written, now or earlier.
     [[nodiscard]] bool flush();
 
-    /// Nobody reads any longer: what is written has nowhere to go, and that is no failure.
+    /// Nobody reads any longer, or is waited for: what is written has nowhere to go, and that is no
+    /// failure.
     bool isReaderGone() const { return _isReaderGone; }
     /// Whether anybody could read what is written next, as far as that can be known without
     /// writing.
@@ -27,8 +32,10 @@ public:
 
 private:
     void drain();
+    bool isCancelled() const { return _cancelled != nullptr && *_cancelled; }
 
     int _descriptor;
+    const std::atomic<bool>* _cancelled;
     std::string _buffer;
     bool _isReaderGone = false;
     std::string _error;

@@ -17,8 +17,10 @@
 #include "cli/json_line.h"
 #include "cli/json_records.h"
 #include "cli/safe_text.h"
+#include "cli/short_address.h"
 #include "cli/spans.h"
 #include "cli/task_lines.h"
+#include "search/task_day.h"
 
 namespace tessaly::cli {
 
@@ -32,29 +34,34 @@ using search::SearchResultType;
 constexpr std::array<std::string_view, 4> positionNames{"firstInGroup", "first", "inBetween",
                                                         "last"};
 
+/// How an excerpt tells that the line goes on.
+constexpr std::string_view cutMark = "…";
+
 std::string pathOf(const SearchResultItem& row) {
     return fmt::format("{}/{}", base::folderName(row.noteType), row.filename);
 }
 
-std::string withLine(std::string note, const SearchResultItem& row) {
-    return row.lineIndex ? fmt::format("{}:{}", note, *row.lineIndex + 1) : note;
-}
-
-/// "2019-12-31:3", "Work/Plans:12": for the eye, and for verbs.
-std::string shortAddressOf(const SearchResultItem& row) {
-    if (row.noteType == base::NoteType::calendar && row.day) {
-        return withLine(base::tagText(*row.day), row);
-    }
-    std::string_view name = row.filename;
-    if (name.ends_with(".txt")) {
-        name.remove_suffix(4);
-    }
-    return withLine(safeText(name), row);
+NotePlace placeOf(const SearchResultItem& row) {
+    return {row.noteType, row.filename, row.day, row.lineIndex};
 }
 
 bool isTaskRow(const SearchResultItem& row) {
     return (row.type == SearchResultType::calendarTodo || row.type == SearchResultType::noteTodo) &&
            grammar::isTask(row.lineType);
+}
+
+/// Where the match lies in the marker or the box, the row shows them as part of the line.
+bool showsMarker(const SearchResultItem& row) {
+    std::string_view text = row.content;
+    if (text.ends_with(cutMark)) {
+        text.remove_suffix(cutMark.size());
+    }
+    return !text.starts_with(cutMark) && !base::trimmedStart(row.title).starts_with(text);
+}
+
+/// Whether a sign of the task's state goes before its row: one is enough.
+bool hasSign(const SearchResultItem& row) {
+    return isTaskRow(row) && !showsMarker(row);
 }
 
 /// A note by its title, as where it was found by that; how it begins is for the eye.
@@ -95,16 +102,16 @@ void printInTerminal(Context& context, const SearchResultItem& row) {
     }
     Spans left{{Style::plain, "  "}};
     const Span sign = signOf(row.lineType, context.terminal);
-    left.push_back(isTaskRow(row) ? sign : Span{Style::plain, std::string(widthOf({sign}), ' ')});
+    left.push_back(hasSign(row) ? sign : Span{Style::plain, std::string(widthOf({sign}), ' ')});
     left.push_back({Style::plain, " "});
     append(left, contentOf(row, context.terminal));
-    const Spans right{{Style::dim, shortAddressOf(row)}};
+    const Spans right{{Style::dim, shortAddressOf(context, placeOf(row))}};
     context.out.line(drawn(withRightPart(left, right, context.terminal), context.terminal));
 }
 
 void printPlain(Context& context, const SearchResultItem& row) {
-    Spans line{{Style::dim, withLine(safeText(pathOf(row)), row)}, {Style::plain, "  "}};
-    if (isTaskRow(row)) {
+    Spans line{{Style::dim, addressOf(placeOf(row))}, {Style::plain, "  "}};
+    if (hasSign(row)) {
         append(line, {signOf(row.lineType, context.terminal), {Style::plain, " "}});
     }
     append(line, contentOf(row, context.terminal));
@@ -116,6 +123,7 @@ std::optional<std::size_t> lineNumber(const SearchResultItem& row) {
 }
 
 JsonObject recordOf(const SearchResultItem& row) {
+    const auto day = isTaskRow(row) ? search::dayOfTask(row.title, row.day) : row.day;
     JsonObject object;
     object.add("type", base::rawValue(row.type))
         .add("title", row.title)
@@ -124,7 +132,7 @@ JsonObject recordOf(const SearchResultItem& row) {
         .add("path", row.filename.empty() ? std::nullopt : std::optional(pathOf(row)))
         .add("line", lineNumber(row))
         .add("state", isTaskRow(row) ? std::optional(base::rawValue(row.lineType)) : std::nullopt)
-        .add("day", row.day ? std::optional(base::tagText(*row.day)) : std::nullopt)
+        .add("day", day ? std::optional(base::tagText(*day)) : std::nullopt)
         .add("position", positionNames[static_cast<std::size_t>(row.position)]);
     return object;
 }

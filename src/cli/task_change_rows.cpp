@@ -125,7 +125,7 @@ std::string noteWords(const Context& context, const tasks::NoteName& note) {
 
 std::string placeWords(const Context& context, const tasks::NoteName& note, std::size_t lineIndex) {
     const store::NoteTask task = taskAt(note, lineIndex);
-    return context.terminal.isTerminal ? shortAddressOf(task) : addressOf(task);
+    return context.terminal.isTerminal ? shortAddressOf(context, task) : addressOf(task);
 }
 
 std::string drawnChange(Context& context, const std::string& words, const std::string& line) {

@@ -6,11 +6,10 @@
 
 #include <fmt/format.h>
 
-#include "base/note_type.h"
 #include "cli/json_records.h"
 #include "cli/safe_text.h"
+#include "cli/short_address.h"
 #include "grammar/line_scanner.h"
-#include "store/note_names.h"
 
 namespace tessaly::cli {
 
@@ -55,8 +54,8 @@ Style markStyle(grammar::MarkKind kind) {
     }
 }
 
-std::size_t lineNumber(const store::NoteTask& task) {
-    return task.todo.lineIndex + 1;
+NotePlace placeOf(const store::NoteTask& task) {
+    return {task.type, task.filename, task.noteDay, task.todo.lineIndex};
 }
 
 void printInTerminal(Context& context, const store::NoteTask& task) {
@@ -67,7 +66,7 @@ void printInTerminal(Context& context, const store::NoteTask& task) {
     for (Span& span : contentOf(task.todo)) {
         left.push_back(std::move(span));
     }
-    const Spans right{{Style::dim, shortAddressOf(task)}};
+    const Spans right{{Style::dim, shortAddressOf(context, task)}};
     context.out.line(drawn(withRightPart(left, right, context.terminal), context.terminal));
 }
 
@@ -85,17 +84,11 @@ void printPlain(Context& context, const store::NoteTask& task) {
 }  // namespace
 
 std::string addressOf(const store::NoteTask& task) {
-    return fmt::format("{}/{}:{}", base::folderName(task.type), safeText(task.filename),
-                       lineNumber(task));
+    return addressOf(placeOf(task));
 }
 
-std::string shortAddressOf(const store::NoteTask& task) {
-    const std::string note = task.noteDay ? base::tagText(*task.noteDay) : safeText(task.filename);
-    std::string_view shown = note;
-    if (!task.noteDay && shown.ends_with(".txt")) {
-        shown.remove_suffix(4);
-    }
-    return fmt::format("{}:{}", shown, lineNumber(task));
+std::string shortAddressOf(const Context& context, const store::NoteTask& task) {
+    return shortAddressOf(context, placeOf(task));
 }
 
 Span signOf(grammar::TodoType type, const Terminal& terminal) {

@@ -13,8 +13,8 @@ namespace tessaly::cli {
 /// Where a task stands, as every verb takes it: "Calendar/20191231.txt:3", lines from 1.
 std::string addressOf(const store::NoteTask& task);
 
-/// As `addressOf`, but shorter, for the eye: "2019-12-31:3", "Work/Plans:12". Verbs take it too.
-std::string shortAddressOf(const store::NoteTask& task);
+/// As `addressOf`, but shorter for the eye where that is safe.
+std::string shortAddressOf(const Context& context, const store::NoteTask& task);
 
 /// The sign of a state: "○" in a UTF-8 terminal, else its box.
 Span signOf(grammar::TodoType type, const Terminal& terminal);

@@ -36,7 +36,8 @@ void printRecord(Context& context, const std::string& name, const Filter& filter
     context.out.line(JsonObject{}.add("name", name).add("items", filterRecords(filter)).text());
 }
 
-Exit showFilter(Context& context, const std::string& name) {
+Exit showOne(Context& context) {
+    const std::string& name = context.invocation.arguments[1];
     const auto filter = context.services.filterHelper().load(name);
     if (!filter) {
         return couldNot(context, filter.failure());
@@ -51,27 +52,52 @@ Exit showFilter(Context& context, const std::string& name) {
     return Exit::done;
 }
 
+/// Why a filter cannot be read, without its name.
+std::string reasonOf(const base::Failure& failure, const std::string& name) {
+    const std::string& words = failure.description;
+    return words.starts_with(name + ": ") ? words.substr(name.size() + 2) : words;
+}
+
+/// The names go to a program that reads them as they are, so that it is told beside them.
+void listUnreadable(Context& context, const std::string& name, const base::Failure& failure) {
+    const std::string reason = reasonOf(failure, name);
+    if (context.invocation.json) {
+        context.out.line(JsonObject{}.add("name", name).add("error", reason).text());
+        return;
+    }
+    const std::string told = fmt::format(fmt::runtime(tr("{0} (cannot be read: {1})")),
+                                         safeText(name), safeText(reason));
+    if (context.terminal.isTerminal) {
+        context.out.line(told);
+    } else {
+        context.out.line(safeText(name));
+        complain(told);
+    }
+}
+
+void listFilter(Context& context, const std::string& name) {
+    const auto filter = context.services.filterHelper().load(name);
+    if (!filter) {
+        listUnreadable(context, name, filter.failure());
+    } else if (context.invocation.json) {
+        printRecord(context, name, *filter);
+    } else {
+        context.out.line(safeText(name));
+    }
+}
+
 Exit listFilters(Context& context) {
     const auto names = context.services.filterHelper().list();
     if (!names) {
         return couldNot(context, names.failure());
     }
-    Exit exit = Exit::done;
     for (const std::string& name : *names) {
-        if (!context.invocation.json) {
-            context.out.line(safeText(name));
-        } else if (showFilter(context, name) != Exit::done) {
-            exit = Exit::couldNot;
-        }
+        listFilter(context, name);
     }
     if (names->empty() && context.terminal.isTerminal && !context.invocation.json) {
         context.out.line(tr("No filters are saved."));
     }
-    return exit;
-}
-
-Exit showOne(Context& context) {
-    return showFilter(context, context.invocation.arguments[1]);
+    return Exit::done;
 }
 
 /// What a change of filters came to: what to print, with the name that the filter has then.
@@ -79,6 +105,7 @@ struct FilterChange {
     Name name;
     std::string_view did;  // for programs
     std::string words;
+    std::string asked = {};  // the name that the filter was to have
 };
 using Change = std::function<FilterChange(search::FilterHelper filters)>;
 
@@ -116,6 +143,15 @@ Exit pretend(Context& context, const Change& change) {
     return Exit::done;
 }
 
+std::string wordsOf(const FilterChange& done) {
+    const std::string name = safeText(*done.name);
+    const std::string told =
+        done.asked.empty() || done.asked == *done.name
+            ? name
+            : fmt::format(fmt::runtime(tr("{0} (for “{1}”)")), name, safeText(done.asked));
+    return fmt::format(fmt::runtime(done.words), told);
+}
+
 Exit make(Context& context, const Change& change) {
     if (context.invocation.has("--dry-run")) {
         return pretend(context, change);
@@ -126,7 +162,7 @@ Exit make(Context& context, const Change& change) {
     }
     context.out.line(context.invocation.json
                          ? JsonObject{}.add("did", done.did).add("name", *done.name).text()
-                         : fmt::format(fmt::runtime(done.words), safeText(*done.name)));
+                         : wordsOf(done));
     return Exit::done;
 }
 
@@ -139,9 +175,15 @@ Exit saveFilter(Context& context) {
         complain(filter.failure().description);
         return Exit::misuse;
     }
-    return make(context, [&](search::FilterHelper filters) {
-        return FilterChange{filters.save(context.invocation.arguments[1], *filter), "saved",
-                            tr("Saved the filter {}")};
+    const std::string& name = context.invocation.arguments[1];
+    return make(context, [&](search::FilterHelper filters) -> FilterChange {
+        const auto saved = filters.save(name, *filter);
+        if (!saved) {
+            return {saved.failure(), {}, {}};
+        }
+        return saved->how == search::FilterHelper::Saved::How::replacing
+                   ? FilterChange{saved->name, "replaced", tr("Replaced the filter {}"), name}
+                   : FilterChange{saved->name, "saved", tr("Saved the filter {}"), name};
     });
 }
 
@@ -149,7 +191,7 @@ Exit renameFilter(Context& context) {
     return make(context, [&](search::FilterHelper filters) {
         const auto& arguments = context.invocation.arguments;
         return FilterChange{filters.rename(arguments[1], arguments[2]), "renamed",
-                            tr("The filter is now called {}")};
+                            tr("The filter is now called {}"), arguments[2]};
     });
 }
 

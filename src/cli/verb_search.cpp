@@ -12,6 +12,7 @@
 #include "cli/safe_text.h"
 #include "cli/search_rows.h"
 #include "cli/verb_functions.h"
+#include "search/filter_conditions.h"
 
 namespace tessaly::cli {
 
@@ -60,6 +61,25 @@ void printExplanation(Context& context, const std::vector<std::string>& lines, s
     context.out.line(fmt::format(fmt::runtime(base::trPlural("{} row", "{} rows", total)), number));
 }
 
+/// On standard error, behind what a terminal says of nothing.
+void tellOfMisunderstandings(Context& context, const app::NoteSearch& wanted) {
+    const auto remarks = app::remarksOn(context.services, wanted, context.readOptions());
+    context.progress.erase();
+    (void)context.out.flush();  // what it could not write is told at the end
+    for (const std::string& remark : remarks) {
+        complain(safeText(remark));
+    }
+}
+
+/// What of a filter cannot be read, and so does not limit what is found.
+void tellOfUnreadable(const Context& context, const app::NoteSearch& wanted) {
+    const auto conditions = search::conditionsOf(wanted.filter, context.services.today(),
+                                                 context.services.globals().firstDayOfWeek());
+    for (const std::string& words : conditions.unreadable) {
+        complain(fmt::format("{}: {}", safeText(wanted.filterName), safeText(words)));
+    }
+}
+
 }  // namespace
 
 Exit runSearch(Context& context) {
@@ -76,6 +96,7 @@ Exit runSearch(Context& context) {
             return couldNot(context, filter.failure());
         }
         wanted.filter = *std::move(filter);
+        wanted.filterName = invocation.value("--filter");
     }
     const app::FoundNotes found = app::searchNotes(context.services, wanted, context.readOptions());
     if (!isComplete(context, found.report)) {
@@ -85,7 +106,11 @@ Exit runSearch(Context& context) {
         printExplanation(context, app::explainSearch(context.services, wanted),
                          found.results.total);
     } else {
+        tellOfUnreadable(context, wanted);
         printResults(context, found.results);
+        if (found.results.total == 0) {
+            tellOfMisunderstandings(context, wanted);
+        }
     }
     return Exit::done;
 }

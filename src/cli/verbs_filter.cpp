@@ -18,8 +18,9 @@ constexpr std::array filterOptions{
                  "cancelled; none for lines that are no tasks"),
               Completion::words, filterStates},
     OptionRow{"--kind", "KINDS",
-              N_("save: what is found in or among these, separated by commas: notes, calendar, "
-                 "events, reminders"),
+              N_("save: which notes are rows of their own, and whether events and reminders are, "
+                 "separated by commas: notes, calendar, events, reminders; tasks are chosen by "
+                 "--state alone"),
               Completion::words, filterKinds},
     OptionRow{"--timeframe", "TIMEFRAME",
               N_("save: last-week, this-week, next-week, last-month, this-month, next-month, past, "
@@ -51,11 +52,16 @@ constexpr std::array rows{
                "states, of which kinds, in which timeframe, and with which text. Filters are files "
                "in the folder Filters of the data folder, named like the filter, as property "
                "lists.\n\n"
+               "--state alone chooses tasks, --kind alone notes, events and reminders: a filter "
+               "with states alone shows no notes, one with kinds alone no tasks. One with neither "
+               "shows all of them. A keyword that is a single tag or mention is searched as such."
+               "\n\n"
                "list prints the names, show what a filter shows. save writes a filter, in the "
                "place of one of that name. rename gives it another name. delete moves it to the "
                "desktop's trash; where there is none, it stays.\n\n"
                "Names are those of files: / and some other signs are left out, and Work and work "
-               "are one name. A file that cannot be read as a filter is never written over."),
+               "are one name. A file that cannot be read as a filter is never written over; list "
+               "tells of it."),
             filterOptions,
             filterExamples,
             runFilter},

@@ -22,20 +22,22 @@ constexpr std::array examples{
 };
 
 constexpr std::array rows{
-    VerbRow{"sidebar",
-            "",
-            0,
-            0,
-            {},
-            N_("Tree of folders, notes, filters and tags"),
-            N_("Prints the rows of the sidebar: the fixed ones, the folders and their notes, the "
-               "saved filters, the hashtags and the mentions, with the number of notes below a "
-               "folder or with a tag.\n\n"
-               "What is below a row is printed when the row is expanded. The setting "
-               "expandedSideBarItems keeps which rows are."),
-            options,
-            examples,
-            runSideBar},
+    VerbRow{
+        "sidebar",
+        "",
+        0,
+        0,
+        {},
+        N_("Tree of folders, notes, filters and tags"),
+        N_("Prints the rows of the sidebar: the fixed ones, the folders and their notes, the "
+           "saved filters, the hashtags and the mentions, with the number of notes below a "
+           "folder or with a tag.\n\n"
+           "What is below a row is printed when the row is expanded. The setting "
+           "expandedSideBarItems keeps which rows are, by their kind and key, separated by commas: "
+           "section:Notes, folder:Work/Plans, hashtag:#work."),
+        options,
+        examples,
+        runSideBar},
 };
 
 }  // namespace

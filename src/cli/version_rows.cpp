@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <vector>
 
 #include <fmt/format.h>
@@ -12,6 +11,7 @@
 #include "base/graphemes.h"
 #include "base/localisation.h"
 #include "cli/json_times.h"
+#include "cli/note_text.h"
 #include "cli/safe_text.h"
 #include "cli/spans.h"
 #include "store/paths.h"
@@ -30,11 +30,7 @@ std::string sizeOf(Context& context, const FileVersion& version) {
     if (!found || !found->front()) {
         return "?";
     }
-    const std::uint64_t bytes = found->front()->stamp.size;
-    const std::string words =
-        base::trPlural("{} byte", "{} bytes", static_cast<unsigned long>(bytes));
-    return fmt::format(fmt::runtime(words), context.services.dateStrings().formats().number(
-                                                static_cast<long long>(bytes)));
+    return sizeInWords(context, found->front()->stamp.size);
 }
 
 std::string writerOf(const FileVersion& version) {

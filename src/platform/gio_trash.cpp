@@ -27,7 +27,10 @@ constexpr std::array<Row, 4> rows{{
 }};
 
 Failure failureOf(const std::string& file, const GError* error) {
-    Failure failure{Failure::Kind::other, fmt::format("{}: {}", file, error->message)};
+    const std::string message = error->message;
+    const bool namesFile = message.find(file) != message.npos;
+    Failure failure{Failure::Kind::other,
+                    namesFile ? message : fmt::format("{}: {}", file, message)};
     for (const Row& row : rows) {
         if (g_error_matches(error, G_IO_ERROR, row.error)) {
             failure.kind = row.kind;

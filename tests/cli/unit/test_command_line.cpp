@@ -36,7 +36,9 @@ TEST_CASE("options stand anywhere, and values may look like verbs, options or no
     CHECK(understood({"show", "list"}) == "show list");
     CHECK(understood({"show", "today", "--json"}) == "show today json");
     CHECK(understood({"show", "--", "--json"}) == "show --json");
-    CHECK(understood({"show", ""}) == "show ");
+    CHECK(understood({"show", "", "--root=a"}) == "show  root=a");
+    CHECK(understood({"search", "is:open", "--", "-call", "--", "[a,b]", "--json", "list"}) ==
+          "search is:open -call -- [a,b] --json list");
     CHECK(understood({"day", "-1w"}) == "day -1w");
     CHECK(understood({"--now", "2019-12-31", "day", "+3d"}) == "day +3d now=2019-12-31");
     CHECK(understood({"parse", "-"}) == "parse -");
@@ -47,6 +49,8 @@ TEST_CASE("options stand anywhere, and values may look like verbs, options or no
     CHECK(understood({"show", "-h"}) == "show help");
     CHECK(understood({"show", "--version"}) == "show");
     CHECK(understood({"--help", "list"}) == "list help");
+    CHECK(understood({"help"}) == "- help");
+    CHECK(understood({"help", "list"}) == "list help");
 }
 
 TEST_CASE("what cannot be understood is misuse") {
@@ -58,6 +62,11 @@ TEST_CASE("what cannot be understood is misuse") {
     CHECK(understood({"--all", "list"}) == "!");
     CHECK(understood({"list", "--all", "--calendar"}) == "!");
     CHECK(understood({"list", "--folder"}) == "!");
+    CHECK(understood({"list", "--folder", "--", "a"}) == "!");
+    CHECK(understood({"tasks", "--state", "open", "--state", "open"}) == "!");
+    CHECK(understood({"--", "list"}) == "!");
+    CHECK(understood({"list", "--", "a"}) == "!");
+    CHECK(understood({"help", "lst"}) == "!");
     CHECK(understood({"--color", "red", "list"}) == "!");
     CHECK(understood({"-x"}) == "!");
 }
