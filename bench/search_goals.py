@@ -84,26 +84,24 @@ def time_row(name, limit, times, cpu):
 
 def typed_rows(search, size, few_limit, limit, rounds):
     times = {"1-2 letters": ([], []), "more letters": ([], [])}
-    whole = {}
     for text in WORDS + TAGS + OPERATORS:
         found = search.ask("type", rounds, text)
-        whole[text] = statistics.median(found["times"][-1]) / 1e3
         for letter, (passed, cpu) in enumerate(zip(found["times"], found["cpu"])):
             kind = times["1-2 letters" if letter < 2 else "more letters"]
             kind[0].extend(passed)
             kind[1].extend(cpu)
     limits = {"1-2 letters": few_limit, "more letters": limit}
-    rows = [time_row(f"{size}: a letter typed, {kind}", limits[kind], *times[kind]) for kind in times]
-    return rows, whole
+    return [time_row(f"{size}: a letter typed, {kind}", limits[kind], *times[kind]) for kind in times]
 
 
-def peer_rows(programs, size, root, whole, count):
-    """Searching memory for a word, beside a process that looks for it in the files, in the same run."""
+def peer_rows(programs, search, size, root, count):
+    """Searching memory for a word at once, beside a process that looks for it in the files, in the same run."""
     rows = []
     for word in AGAINST:
+        whole = statistics.median(search.ask("whole", count, word)["times"][0]) / 1e3
         peer = statistics.median(programs.times(["rg", "-i", word, root])[0] for _ in range(count))
-        detail = f"{whole[word] * 1e3:.1f} ms against {peer * 1e3:.0f} ms"
-        rows.append(Row(f"{size}: {word} in memory / rg -i {word}", whole[word] / peer, 0.1, detail=detail))
+        detail = f"{whole * 1e3:.1f} ms against {peer * 1e3:.0f} ms"
+        rows.append(Row(f"{size}: {word} in memory / rg -i {word}", whole / peer, 0.1, detail=detail))
     return rows
 
 
@@ -134,8 +132,8 @@ def search_rows(build, medium, large, count):
         for size, root in {"medium": medium, **({"large": large} if large else {})}.items():
             with SearchNotes(build, root) as search:
                 rows += answer_rows(search, size, root)
-                typed, whole = typed_rows(search, size, *limits[size], count)
-                rows += typed + peer_rows(programs, size, root, whole, count)
+                rows += typed_rows(search, size, *limits[size], count)
+                rows += peer_rows(programs, search, size, root, count)
                 rows += bad_rows(search, size, limits[size][0], count) + turn_rows(search, size, 10 * count)
                 rows.append(Row(f"{size}: notes made ready for the first search", search.ready, unit="ms"))
     return rows

@@ -42,6 +42,8 @@ public:
     /// A text is looked for, not only the lack of one.
     bool isSeeking() const { return !_candidate.empty(); }
     bool isOfTag() const { return !_tags.empty(); }
+    /// A text is looked for, and nothing else is asked.
+    bool isPlain() const { return isSeeking() && _isPlain && !_isHopeless; }
     /// Whether lines that pass differ in rank.
     bool hasRanks() const { return !_whole.empty() || isOfTag(); }
 

@@ -86,6 +86,11 @@ NoteWalk::Others NoteMatcher::othersOf(const SearchedNote& note) const {
     return others;
 }
 
+bool NoteMatcher::isPlain() const {
+    return _test.isPlain() && !_filter.isActive && _titles.empty() && _folders.empty() &&
+           _kinds == LineKinds::all() && _days.isOpen();
+}
+
 std::optional<Stretch> NoteMatcher::matchTitle(std::string_view foldedTitle) const {
     if (!_kinds.hasOther() || !_titles.empty() || !_folders.empty()) {
         return std::nullopt;

@@ -46,6 +46,10 @@ public:
     void match(const SearchedNote& note, Collect collect, NoteMatches& matches,
                std::size_t mostLines = everyLine) const;
 
+    /// Whether a note has rows if and only if its candidate stands in one of its lines or its
+    /// title.
+    bool isPlain() const;
+
     /// What each line and title that matches holds; empty: there is no such text. For who must do
     /// much to make a `SearchedNote`, and asks for this first.
     const Needle& candidate() const { return _test.candidate(); }

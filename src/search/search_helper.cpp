@@ -120,7 +120,10 @@ void SearchHelper::searchNotes(const Run& run) {
                    NoteMatches& matches) { matcher.match(note, collect, matches, mostLines); },
         .isStale = run.isStale,
         .onFirstRows = [&] { deliver(run, found.rows().results(false), false); }};
-    if (!SearchWalk(*run.notes, found, options).run(_tools.executor)) {
+    const std::string& text = matcher.candidate().text();
+    const Narrowing::Notes notes = _narrowing.among(run.notes, text);
+    SearchWalk walk(*notes, found, options);
+    if (!walk.run(_tools.executor)) {
         return;
     }
     if (_tools.calendarItems) {
@@ -129,6 +132,9 @@ void SearchHelper::searchNotes(const Run& run) {
         addItems(found.rows(), findItems(items, matcher, run.today));
     }
     deliver(run, found.rows().take(), true);
+    if (matcher.isPlain() && Narrowing::isWorthwhile(walk.matchedCount(), run.notes)) {
+        _narrowing.remember(run.notes, text, walk.matchedNotes());
+    }
 }
 
 void SearchHelper::deliver(const Run& run, const SearchResults& results, bool isFinal) const {

@@ -16,6 +16,7 @@
 #include "grammar/date_string_helper.h"
 #include "ports/clock.h"
 #include "search/filter_item.h"
+#include "search/narrowing.h"
 #include "search/search_query.h"
 #include "search/search_results.h"
 #include "search/searchable_notes.h"
@@ -100,8 +101,10 @@ private:
     const Tools _tools;
     base::Day _searchStart;
     base::Day _searchEnd;
-    SearchableNotes _notes;  ///< who holds the gate
-    base::Gate semaphore;    ///< the last member: its end waits for the work in hand
+    // Who holds the gate.
+    SearchableNotes _notes;
+    Narrowing _narrowing;
+    base::Gate semaphore;  ///< the last member: its end waits for the work in hand
 };
 
 }  // namespace tessaly::search

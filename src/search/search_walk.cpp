@@ -2,6 +2,8 @@
 #include "search/search_walk.h"
 
 #include <algorithm>
+#include <bit>
+#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -51,7 +53,11 @@ void addCounts(NoteMatches& sum, const NoteMatches& matches) {
 }  // namespace
 
 SearchWalk::SearchWalk(const NotesInOrder& notes, FoundRows& rows, const Options& options)
-    : _notes(notes), _rows(rows), _options(options), _runs(notes.chunks()) {}
+    : _notes(notes),
+      _rows(rows),
+      _options(options),
+      _matched(notes.chunks()),
+      _runs(notes.chunks()) {}
 
 bool SearchWalk::run(base::Executor& executor) {
     base::parallelFor(executor, _notes.chunks(), [this](std::size_t index) {
@@ -62,7 +68,25 @@ bool SearchWalk::run(base::Executor& executor) {
     return !_options.isStale();
 }
 
-SearchWalk::Run SearchWalk::asked(std::size_t index) const {
+std::size_t SearchWalk::matchedCount() const {
+    return std::accumulate(_matched.begin(), _matched.end(), std::size_t{0},
+                           [](std::size_t sum, Bits bits) {
+                               return sum + static_cast<std::size_t>(std::popcount(bits));
+                           });
+}
+
+NotesInOrder SearchWalk::matchedNotes() const {
+    std::vector<NotesInOrder::Pointer> notes;
+    for (std::size_t index = 0; index < _matched.size(); ++index) {
+        const auto run = _notes.chunk(index);
+        for (Bits bits = _matched[index]; bits != 0; bits &= bits - 1) {
+            notes.push_back(run[static_cast<std::size_t>(std::countr_zero(bits))]);
+        }
+    }
+    return NotesInOrder(std::move(notes));
+}
+
+SearchWalk::Run SearchWalk::asked(std::size_t index) {
     const auto collect = _isFull ? Collect::counts : Collect::rows;
     Run run;
     run.isDone = true;
@@ -78,6 +102,7 @@ SearchWalk::Run SearchWalk::asked(std::size_t index) const {
         if (matches.rows + matches.textRows == 0) {
             continue;
         }
+        _matched[index] |= Bits{1} << place;
         if (collect == Collect::counts) {
             addCounts(run.counted, matches);
         } else {

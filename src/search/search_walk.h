@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -38,6 +39,10 @@ public:
     /// False: it became stale, and the rows are not complete.
     bool run(base::Executor& executor);
 
+    /// After a run to the end: the notes with matches.
+    std::size_t matchedCount() const;
+    NotesInOrder matchedNotes() const;
+
 private:
     /// What a run of notes has given.
     struct Run {
@@ -49,8 +54,11 @@ private:
         std::vector<Found> found;
         NoteMatches counted;
     };
+    /// A bit for each note of a run.
+    using Bits = std::uint64_t;
+    static_assert(NotesInOrder::largestChunk <= 64);
 
-    Run asked(std::size_t index) const;
+    Run asked(std::size_t index);
     void takeIn(std::size_t index, Run run);
     void addRows(Run run);
     void offerFirstRows(std::size_t runsLeft);
@@ -58,6 +66,7 @@ private:
     const NotesInOrder& _notes;
     FoundRows& _rows;  ///< of the thread that makes rows, as are the next two
     const Options& _options;
+    std::vector<Bits> _matched;  ///< by run, each of the thread that asks it
     std::size_t _found = 0;
     bool _hasOffered = false;
     std::atomic<bool> _isFull = false;  ///< for the runs behind those whose rows are made

@@ -169,7 +169,9 @@ std::shared_ptr<const NotesInOrder> SearchableNotes::of(
     const Differences found = differences(*generalNotes, *calendarNotes, looks.today);
     NoteLooks before = looks;
     before.today = _looks.today;
-    replace(found, before, looks);
+    if (!found.gone.empty() || !found.come.empty()) {
+        replace(found, before, looks);
+    }
     _generalNotes = std::move(generalNotes);
     _calendarNotes = std::move(calendarNotes);
     _looks = looks;

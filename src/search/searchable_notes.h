@@ -86,7 +86,8 @@ public:
     SearchableNotes(base::Executor& executor, const grammar::DateStringHelper& names,
                     LocalTimeOf localTimeOf);
 
-    /// The notes of two snapshots of the cache. With many that are new, all threads work.
+    /// The notes of two snapshots of the cache; the very same as the last time when no note is
+    /// another. With many that are new, all threads work.
     std::shared_ptr<const NotesInOrder> of(
         std::shared_ptr<const store::GeneralNotes> generalNotes,
         std::shared_ptr<const store::CalendarNotes> calendarNotes, const NoteLooks& looks);

@@ -95,6 +95,7 @@ public:
     }
 
     /// For work that is shared among threads: the items lie in so many runs, in order.
+    static constexpr std::size_t largestChunk = 64;  ///< items in a run at most
     std::size_t chunks() const { return _chunks.size(); }
     std::span<const Pointer> chunk(std::size_t index) const { return *_chunks[index].items; }
 
@@ -113,7 +114,6 @@ private:
 
     // A change copies a chunk's pointers and the list of chunks. Small chunks make many changes at
     // once cheap, and the list of 100,000 items' chunks is still short.
-    static constexpr std::size_t largestChunk = 64;
     static constexpr std::size_t smallestChunk = largestChunk / 8;
 
     static Place lowerBound(const Chunk& chunk, Place from, const Key& key) {

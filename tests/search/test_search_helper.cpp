@@ -12,6 +12,7 @@
 
 #include <doctest/doctest.h>
 
+#include "base/inline_executor.h"
 #include "base/manual_executor.h"
 #include "base/thread_pool.h"
 #include "brute_force.h"
@@ -350,6 +351,37 @@ TEST_CASE("of what is typed fast, the last is answered once and nothing older af
             CHECK(desk.delivered[index - 1].query.size() < desk.delivered[index].query.size());
         }
         CHECK(std::is_sorted(desk.finished.begin(), desk.finished.end()));
+    }
+}
+
+TEST_CASE("what was asked before makes no difference to an answer") {
+    Desk desk(someNotes);
+    desk.load();
+    base::InlineExecutor here;
+    search::SearchHelper kept(desk.tools(here));
+    const auto answer = [&](search::SearchHelper& helper, const std::string& query,
+                            const search::Filter& filter) {
+        desk.start(helper, query, filter);
+        const search::SearchResults& results = desk.delivered.back().results;
+        return std::to_string(results.total) + '\n' + words(rowsOf(results));
+    };
+    int round = 0;
+    for (const std::string typed :
+         {"nobody", "body", "#working", "please, bob", "quiet day", "-quiet", "\"quiet\" title:mar",
+          "\xC3\xA4pfel", "is:done anna", "plans"}) {
+        for (std::size_t end = 1; end <= typed.size(); ++end) {
+            const std::string query = typed.substr(0, end);
+            search::SearchHelper fresh(desk.tools(here));
+            for (const search::Filter& filter :
+                 {search::Filter{}, {search::FilterItem(search::FilterParamater::done)}}) {
+                INFO(query);
+                CHECK(answer(kept, query, filter) == answer(fresh, query, filter));
+            }
+            if (++round % 7 == 0) {
+                desk.folder.write("data/Notes/New.txt", typed + "\n* " + query + "\n");
+                desk.update({"Notes/New.txt"});
+            }
+        }
     }
 }
 
