@@ -54,7 +54,8 @@ function(tessaly_module name)
     endif()
 endfunction()
 
-# tessaly_test(NAME modules...): the binary test_NAME of every .cpp of tests/NAME.
+# tessaly_test(NAME modules...): the binary test_NAME of every .cpp of tests/NAME. Compiled without
+# optimisation unless NAME is among `optimised_tests`.
 function(tessaly_test name)
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
     if(NOT sources)
@@ -64,7 +65,12 @@ function(tessaly_test name)
     add_executable(test_${name} ${sources})
     target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(test_${name} PRIVATE tessaly_test_main ${modules} tessaly_flags)
-    tessaly_precompile(test_${name} precompiled_tests)
+    if(name IN_LIST optimised_tests)
+        tessaly_precompile(test_${name} precompiled)
+    else()
+        target_link_libraries(test_${name} PRIVATE tessaly_unoptimised)
+        tessaly_precompile(test_${name} precompiled_tests)
+    endif()
     add_test(NAME ${name} COMMAND test_${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS unit)
 endfunction()

@@ -11,10 +11,12 @@ namespace {
 
 /// Two digits behind `sign`, below `limit`.
 std::optional<int> part(std::string_view text, std::size_t at, char sign, int limit) {
+    if (text.size() < at + 3 || text[at] != sign || text[at + 1] == '-') {
+        return std::nullopt;
+    }
     int value = -1;
     const char* const start = text.data() + at + 1;
-    const bool isThere = text.size() >= at + 3 && text[at] == sign && *start != '-';
-    if (!isThere || std::from_chars(start, start + 2, value).ptr != start + 2 || value >= limit) {
+    if (std::from_chars(start, start + 2, value).ptr != start + 2 || value >= limit) {
         return std::nullopt;
     }
     return value;
