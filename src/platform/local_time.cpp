@@ -5,16 +5,27 @@
 #include <cassert>
 #include <chrono>
 #include <ctime>
+#include <mutex>
 
 namespace tessaly::platform {
 
+namespace {
+
+// The C library guards its zone with a lock of its own, which the thread sanitizer cannot see.
+std::mutex zoneMutex;
+
+}  // namespace
+
 base::LocalTime localTime(base::Instant instant) {
-    // localtime_r alone looks at the zone once in the life of the process.
-    ::tzset();
     const std::time_t seconds =
         std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count();
     std::tm parts{};
-    ::localtime_r(&seconds, &parts);
+    {
+        const std::lock_guard lock{zoneMutex};
+        // localtime_r alone looks at the zone once in the life of the process.
+        ::tzset();
+        ::localtime_r(&seconds, &parts);
+    }
     return {base::Day{std::chrono::year{parts.tm_year + 1900},
                       std::chrono::month{static_cast<unsigned>(parts.tm_mon + 1)},
                       std::chrono::day{static_cast<unsigned>(parts.tm_mday)}},
@@ -31,6 +42,7 @@ base::Instant instantOf(const base::LocalTime& local) {
     parts.tm_min = local.minute;
     parts.tm_sec = local.second;
     parts.tm_isdst = -1;
+    const std::lock_guard lock{zoneMutex};
     return base::Instant{std::chrono::seconds{std::mktime(&parts)}};
 }
 
