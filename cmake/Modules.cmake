@@ -3,12 +3,12 @@
 
 add_library(tessaly_flags INTERFACE)
 target_compile_options(tessaly_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     $<$<BOOL:${TESSALY_WERROR}>:-Werror>)
 # Some libraries ask for it; what is precompiled for all must be for all alike.
 target_compile_options(tessaly_flags INTERFACE -pthread)
 # What is inlined from precompiled headers no longer counts as the system's, and g++ 12 warns of string
-# operations that are right. The release build, which precompiles nothing, is told if they are not.
+# operations that are right. The release build, whose preset precompiles nothing, is told if they are not.
 if(TESSALY_PCH AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(tessaly_flags INTERFACE
         -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
@@ -17,8 +17,16 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(tessaly_flags INTERFACE -Wthread-safety)
 endif()
 
+# Where files of a folder are compiled as one, the file-wide names of one are shadowed by the locals of
+# another, and g++ 12 takes what is private to a file for a part of a header.
+if(NOT TESSALY_UNITY)
+    target_compile_options(tessaly_flags INTERFACE -Wshadow)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(tessaly_flags INTERFACE -Wshadow=local -Wno-subobject-linkage)
+endif()
+
 # What nearly every file includes, read by the compiler once. Files still include what they use: a
-# build without TESSALY_PCH shows when one does not.
+# build without TESSALY_PCH and TESSALY_UNITY shows when one does not.
 function(tessaly_precompiled_headers name)
     if(TESSALY_PCH)
         file(WRITE ${CMAKE_BINARY_DIR}/${name}.cpp "")
@@ -36,6 +44,19 @@ function(tessaly_precompile target name)
 endfunction()
 tessaly_precompiled_headers(precompiled)
 
+# Most of what a file of a few pages costs is its headers and what it instantiates of them: with
+# TESSALY_UNITY some files of a folder are compiled as one. Any may meet any other there, so names in
+# anonymous namespaces are unlike each other throughout a folder.
+function(tessaly_unite target)
+    if(TESSALY_UNITY)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+        if(NOT DEFINED CMAKE_UNITY_BUILD_BATCH_SIZE)
+            # More make the build shorter still, but leave cores idle.
+            set_target_properties(${target} PROPERTIES UNITY_BUILD_BATCH_SIZE 16)
+        endif()
+    endif()
+endfunction()
+
 # tessaly_module(NAME [DEPENDS modules of ours] [LINKS libraries of others])
 # Every .cpp of the folder belongs to the module. A folder of headers alone becomes an interface.
 function(tessaly_module name)
@@ -47,6 +68,7 @@ function(tessaly_module name)
         target_include_directories(tessaly_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
         target_link_libraries(tessaly_${name} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_LINKS} tessaly_flags)
         tessaly_precompile(tessaly_${name} precompiled)
+        tessaly_unite(tessaly_${name})
     else()
         add_library(tessaly_${name} INTERFACE)
         target_include_directories(tessaly_${name} INTERFACE ${CMAKE_SOURCE_DIR}/src)

@@ -19,7 +19,7 @@ import tempfile
 GATHER = ["xgettext", "--language=C++", "--from-code=UTF-8", "--sort-by-file", "--add-location=file",
           "--add-comments=Translators:", "--package-name=tessaly", "--foreign-user",
           "--keyword", "--keyword=tr:1,1t", "--keyword=tr:1c,2,2t", "--keyword=trPlural:1,2",
-          "--keyword=N_:1", "--output=-"]
+          "--keyword=trText:1", "--keyword=N_:1", "--output=-"]
 PLACE = re.compile(r"\{[^{}]*\}")
 FIELD = re.compile(r'(msgctxt|msgid_plural|msgid|msgstr(?:\[\d+\])?) (".*")$')
 

@@ -14,6 +14,7 @@ import sys
 # Folders of data: samples may hold anything.
 PASSED_OVER = {".git", "build", "corpus", "cases", "roots", "__pycache__"}
 SOURCES = {".h", ".cpp", ".py", ".sh", ".cmake"}
+DATA = "/demo/"  # folders of notes, where a tab indents an item
 TABS_MATTER = SOURCES | {".md", ".json", ".txt"}
 
 # Pieces are joined so that this file does not hold what it looks for.
@@ -43,7 +44,7 @@ def complaints(name, text):
             yield f"{name}:{first + 1}: the licence line is missing"
     if text and not text.endswith("\n"):
         yield f"{name}:{len(lines)}: no line break at the end"
-    tabs = is_script or pathlib.PurePath(name).suffix in TABS_MATTER
+    tabs = is_script or (pathlib.PurePath(name).suffix in TABS_MATTER and DATA not in name)
     for number, line in enumerate(lines, 1):
         if tabs and "\t" in line:
             yield f"{name}:{number}: a tab"

@@ -66,6 +66,11 @@ if [ -z "${CCACHE_DIR:-}" ] && { [ -z "${HOME:-}" ] || [ ! -w "$HOME" ]; }; then
     export CCACHE_DIR="${root:?}/build/.ccache"
 fi
 
+# A build machine has nothing to build upon.
+if [ -n "${CI:-}" ]; then
+    export TESSALY_WERROR=ON TESSALY_PCH=ON TESSALY_UNITY=ON
+fi
+
 # configure PRESET: silent unless there is something to complain about.
 configure() {
     (cd "$root" && cmake --preset "$1" --log-level=WARNING) >/dev/null ||

@@ -8,6 +8,7 @@
 
 #include "grammar/line_scanner.h"
 #include "grammar/pattern_oracle.h"
+#include "support/sanitized.h"
 
 using namespace tessaly::grammar;
 
@@ -47,11 +48,8 @@ void same(const std::string& line, const MarkerSettings& settings = {}) {
     }
 }
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr unsigned longest = 4;  // some million lines fewer, each a tenth as fast
-#else
-constexpr unsigned longest = 5;
-#endif
+// Some million lines fewer where each is a tenth as fast.
+constexpr unsigned longest = tessaly::tests::isSanitized ? 4 : 5;
 
 /// Every sequence of at most `left` tokens behind `line`.
 void everySequence(const Tokens& tokens, unsigned left, const std::string& line = {}) {

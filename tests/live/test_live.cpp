@@ -6,15 +6,12 @@
 #include "live/live_folder.h"
 #include "live/outsider.h"
 #include "support/log_capture.h"
+#include "support/sanitized.h"
 
 namespace tessaly::tests {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int rounds = 10;
-#else
-constexpr int rounds = 60;
-#endif
+constexpr int rounds = isSanitized ? 10 : 60;
 constexpr int editsInRound = 40;
 
 /// Rounds of changes by somebody else, some while earlier ones are worked on; at the end of each,

@@ -12,15 +12,12 @@
 #include "live/live_folder.h"
 #include "live/outsider.h"
 #include "support/log_capture.h"
+#include "support/sanitized.h"
 
 namespace tessaly::tests {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int rounds = 12;
-#else
-constexpr int rounds = 40;
-#endif
+constexpr int rounds = isSanitized ? 12 : 40;
 constexpr std::size_t mostEdits = 12;
 
 /// Chance, the same for the same seed.
