@@ -27,13 +27,15 @@ enum class ChangeCause {
     resolved,    ///< a version was chosen, or several were joined
     held,        ///< held by a program that watches, before others changed it
     saved,       ///< a filter, new or in the place of another
+    typed,       ///< the user typed it into an editor of ours, which saves again and again
+    renamed,     ///< the note was given another title
 };
 
 }  // namespace tessaly::store
 
 template <>
 struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
-    static constexpr std::array<EnumName<store::ChangeCause>, 18> rows{{
+    static constexpr std::array<EnumName<store::ChangeCause>, 20> rows{{
         {store::ChangeCause::found, "found"},
         {store::ChangeCause::created, "created"},
         {store::ChangeCause::added, "added"},
@@ -52,5 +54,7 @@ struct tessaly::base::EnumNames<tessaly::store::ChangeCause> {
         {store::ChangeCause::resolved, "resolved"},
         {store::ChangeCause::held, "held"},
         {store::ChangeCause::saved, "saved"},
+        {store::ChangeCause::typed, "typed"},
+        {store::ChangeCause::renamed, "renamed"},
     }};
 };

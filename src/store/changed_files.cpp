@@ -24,13 +24,13 @@ using What = FoundNote::What;
 
 constexpr std::size_t namesPerJob = 32;
 
-std::string_view folderOf(std::string_view filename) {
+std::string_view folderPartOf(std::string_view filename) {
     const std::size_t slash = filename.rfind('/');
     return slash == filename.npos ? std::string_view() : filename.substr(0, slash);
 }
 
 bool inOneFolder(const NamedNote& a, const NamedNote& b) {
-    return a.type == b.type && folderOf(a.filename) == folderOf(b.filename);
+    return a.type == b.type && folderPartOf(a.filename) == folderPartOf(b.filename);
 }
 
 What whatFailed(const Failure& failure) {
@@ -96,7 +96,7 @@ private:
     base::Result<std::string> folderIn(const KindFolders& kinds) const {
         const FoundNote& first = *_toLookAt.front();
         const auto& kind = kinds.of(first.name.type);
-        const std::string_view own = folderOf(first.name.filename);
+        const std::string_view own = folderPartOf(first.name.filename);
         if (!kind || own.empty()) {
             return kind;
         }

@@ -21,7 +21,7 @@ using base::Failure;
 using NewText = base::Result<std::optional<std::string>>;
 
 // How often a note may come or go between our look and our write.
-constexpr int maxTries = 8;
+constexpr int maxEditTries = 8;
 
 constexpr std::string_view notMerged = "Could not merge disconnected calendar notes: ";
 
@@ -53,7 +53,7 @@ struct Added {
 /// Edits a note, or writes it new with `text` when it is not there. Logs no failure.
 Added editOrCreate(const DataStore::Tools& tools, const std::string& root, const std::string& path,
                    std::string_view text, const TextEdit& edit, ChangeCause cause) {
-    for (int tries = 0; tries < maxTries; ++tries) {
+    for (int tries = 0; tries < maxEditTries; ++tries) {
         const auto edited = editText(tools.safeFiles, root, path, edit, cause);
         if (edited) {
             return {*edited, std::nullopt};

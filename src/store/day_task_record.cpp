@@ -6,7 +6,8 @@
 // A record holds numbers, then the title, then the lines' texts one behind the other:
 //
 //     length of the title, how many lines
-//     of each line: how many lines behind the one before, what it is (see Kind), indents, start of
+//     of each line: how many lines behind the one before, what it is (see KindBits), indents, start
+//     of
 //         the box, start of the content, length; if it is scheduled, to which day since the year 0
 //
 // Numbers have seven bits a byte, the lowest first; all but the last byte have the eighth one set.
@@ -18,7 +19,7 @@ using grammar::LineClass;
 using std::chrono::sys_days;
 
 /// What is told of a line in one number.
-struct Kind {
+struct KindBits {
     static constexpr std::uint32_t markerShift = 4;
     static constexpr std::uint32_t typeBits = (1U << markerShift) - 1;
     static constexpr std::uint32_t boxShift = 6;
@@ -42,8 +43,9 @@ constexpr sys_days lastDay{std::chrono::year{9999} / December / 31};
 
 std::uint32_t kindOf(const DayTaskLine& line) {
     return static_cast<std::uint32_t>(line.line.type) |
-           static_cast<std::uint32_t>(line.line.marker) << Kind::markerShift |
-           (line.line.hasBox ? Kind::hasBox : 0) | (line.scheduledTo ? Kind::isScheduled : 0);
+           static_cast<std::uint32_t>(line.line.marker) << KindBits::markerShift |
+           (line.line.hasBox ? KindBits::hasBox : 0) |
+           (line.scheduledTo ? KindBits::isScheduled : 0);
 }
 
 /// Takes a record apart. Once something is wrong, all that follows is.
@@ -117,18 +119,18 @@ base::Day readDay(RecordReader& reader) {
 // Reads all but the text, of which the length alone is known yet.
 void readLine(RecordReader& reader, DayTaskLine& line) {
     line.index += reader.number();
-    const std::uint32_t kind = reader.numberUpTo(Kind::all);
+    const std::uint32_t kind = reader.numberUpTo(KindBits::all);
     line.line = LineClass();
-    line.line.type = static_cast<grammar::TodoType>(kind & Kind::typeBits);
-    const std::uint32_t marker = kind >> Kind::markerShift & Kind::markerBits;
+    line.line.type = static_cast<grammar::TodoType>(kind & KindBits::typeBits);
+    const std::uint32_t marker = kind >> KindBits::markerShift & KindBits::markerBits;
     line.line.marker = static_cast<base::TodoCharacter>(marker);
-    line.line.hasBox = (kind & Kind::hasBox) != 0;
+    line.line.hasBox = (kind & KindBits::hasBox) != 0;
     line.line.indents = reader.number();
     line.line.boxStart = reader.number();
     line.line.contentStart = reader.number();
     line.text = reader.rest().substr(0, reader.lengthOfText());
     line.scheduledTo.reset();
-    if ((kind & Kind::isScheduled) != 0) {
+    if ((kind & KindBits::isScheduled) != 0) {
         line.scheduledTo = readDay(reader);
     }
 }

@@ -72,7 +72,7 @@ struct MarkedName {
     }
 };
 
-std::string_view bytesOf(std::string_view name, const std::optional<base::TextRange>& range) {
+std::string_view bytesIn(std::string_view name, const std::optional<base::TextRange>& range) {
     if (!range) {
         return {};
     }
@@ -91,14 +91,14 @@ std::optional<MarkedName> matched(std::size_t index, std::string_view name) {
     }
     // The whole, the stem, perhaps a device, perhaps an extension.
     std::span groups = std::span(match->groups).subspan(1);
-    MarkedName marked{&pattern, bytesOf(name, groups.front()), {}, {}};
+    MarkedName marked{&pattern, bytesIn(name, groups.front()), {}, {}};
     groups = groups.subspan(1);
     if (pattern.place == ConflictPattern::Place::beforeExtension) {
-        marked.extension = bytesOf(name, groups.back());
+        marked.extension = bytesIn(name, groups.back());
         groups = groups.first(groups.size() - 1);
     }
     if (!groups.empty()) {
-        marked.device = bytesOf(name, groups.front());
+        marked.device = bytesIn(name, groups.front());
     }
     return marked;
 }

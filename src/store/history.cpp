@@ -31,9 +31,9 @@ bool hasBytesOf(const HistoryEntry& entry, const HistoryEntry& other) {
 
 std::vector<HistoryEntry> newestFirst(std::string_view index) {
     std::vector<HistoryEntry> entries;
-    for (const std::string_view line : linesOf(index)) {
-        if (auto entry = entryOfLine(line.substr(0, line.size() - 1))) {
-            entries.push_back(*std::move(entry));
+    for (IndexLine& line : standingLines(index)) {
+        if (line.entry) {
+            entries.push_back(*std::move(line.entry));
         }
     }
     std::reverse(entries.begin(), entries.end());
@@ -71,24 +71,38 @@ Result<Done> History::keepOld(const std::string& file, std::string_view bytes, C
     if (!lock) {
         return lock.failure();
     }
-    const auto index = readIndex();
-    if (!index) {
-        return index.failure();
+    const std::scoped_lock ours(_mutex);
+    if (auto known = _index.refresh(); !known) {
+        return known;
     }
     const HistoryEntry entry = entryOf(file, bytes, cause);
-    const auto newest = newestOf(index->bytes, file, 1);
+    const auto newest = newestOf(_index.bytes(), file, 1);
     const bool isKept =
         cause != ChangeCause::trashed && !newest.empty() && hasBytesOf(newest.front(), entry) &&
         // An entry near its end would go soon after the text that it is to save.
         entry.time - newest.front().time < _limits.age / 2 && _texts.holds(entry.hash, bytes);
-    if (!isKept) {
-        return add(*index, entry, bytes, Durability::now);
-    }
-    if (entry.time - newest.front().time >= kernelDelay) {
+    if (isKept && entry.time - newest.front().time >= kernelDelay) {
         return Done{};
     }
+    auto kept = isKept ? sync(entry) : add(entry, bytes, Durability::now);
+    if (kept) {
+        removeThinned();
+    }
+    return kept;
+}
+
+Result<Done> History::sync(const HistoryEntry& entry) {
     auto synced = _texts.sync(entry.hash);
     return synced ? _tools.changes.sync(indexFile()) : synced;
+}
+
+// Not before the index is on the disk: a power cut that took the last line would bring back what
+// that line has thinned out.
+void History::removeThinned() {
+    for (const std::string& hash : _index.takeThinned()) {
+        // What cannot be removed now is found by the next pruning.
+        [[maybe_unused]] const auto ignored = _texts.remove(hash);
+    }
 }
 
 Result<Done> History::keepNew(const std::string& file, std::string_view bytes, ChangeCause cause) {
@@ -96,9 +110,9 @@ Result<Done> History::keepNew(const std::string& file, std::string_view bytes, C
     if (!lock) {
         return lock.failure();
     }
-    const auto index = readIndex();
-    return index ? add(*index, entryOf(file, bytes, cause), bytes, Durability::later)
-                 : index.failure();
+    const std::scoped_lock ours(_mutex);
+    auto known = _index.refresh();
+    return known ? add(entryOf(file, bytes, cause), bytes, Durability::later) : known;
 }
 
 Result<Done> History::keepHeld(const std::string& file, std::string_view bytes,
@@ -107,29 +121,30 @@ Result<Done> History::keepHeld(const std::string& file, std::string_view bytes,
     if (!lock) {
         return lock.failure();
     }
-    const auto index = readIndex();
-    if (!index) {
-        return index.failure();
+    const std::scoped_lock ours(_mutex);
+    if (auto known = _index.refresh(); !known) {
+        return known;
     }
     HistoryEntry entry = entryOf(file, bytes, ChangeCause::held);
     entry.time = std::min(entry.time, until);
-    const auto entries = newestOf(index->bytes, file, index->bytes.size());
+    const auto entries = newestOf(_index.bytes(), file, _index.bytes().size());
     const bool isKept = std::any_of(entries.begin(), entries.end(), [&](const HistoryEntry& kept) {
         return hasBytesOf(kept, entry);
     });
     return isKept && _texts.holds(entry.hash, bytes) ? Done{}
-                                                     : add(*index, entry, bytes, Durability::later);
+                                                     : add(entry, bytes, Durability::later);
 }
 
 // The text comes first, so that no entry is without one.
-Result<Done> History::add(const FileContents& index, const HistoryEntry& entry,
-                          std::string_view bytes, Durability durability) {
-    if (auto put = _texts.put(entry.hash, bytes, durability); !put) {
-        return put;
+Result<Done> History::add(const HistoryEntry& entry, std::string_view bytes,
+                          Durability durability) {
+    const auto put = _texts.put(entry.hash, bytes, durability);
+    if (!put) {
+        return put.failure();
     }
-    const std::string line = std::string(endOfTornLine(index.bytes)) + lineOf(entry);
-    auto appended = _tools.changes.append(indexFile(), line, durability);
-    if (appended && isPruningDue(index.bytes, entry, _limits)) {
+    const bool isDue = _index.isPruningDue(entry, _limits);
+    auto appended = _index.append(entry, *put, durability);
+    if (appended && isDue) {
         prune(entry);
     }
     return appended;
@@ -145,6 +160,7 @@ void History::prune(const HistoryEntry& newest) {
     const base::Instant now = std::min(newest.time, index->stamp.modified);
     const std::string left = pruned(index->bytes, _limits, now, newest.path);
     if (left == index->bytes || _tools.changes.replace(indexFile(), *index, left)) {
+        _index.pruned();
         // What cannot be removed now is found again by the next pruning.
         [[maybe_unused]] const auto ignored = removeUnnamed(left);
     }
@@ -217,19 +233,20 @@ Result<std::size_t> History::clear(const std::optional<std::string>& file) {
     if (!lock) {
         return lock.failure();
     }
+    const std::scoped_lock ours(_mutex);
     const auto index = readIndex();
     if (!index) {
         return index.failure();
     }
     std::string left;
     std::size_t gone = 0;
-    for (const std::string_view line : linesOf(index->bytes)) {
-        const auto entry = entryOfLine(line.substr(0, line.size() - 1));
-        const bool goes = !file || (entry && entry->path == *file);
-        gone += entry && goes ? 1 : 0;
-        left += goes ? "" : line;
+    for (const IndexLine& line : standingLines(index->bytes)) {
+        const bool goes = !file || (line.entry && line.entry->path == *file);
+        gone += line.entry && goes ? 1 : 0;
+        left += goes ? "" : line.text;
     }
     if (left != index->bytes) {
+        _index.pruned();
         if (const auto done = _tools.changes.replace(indexFile(), *index, left); !done) {
             return done.failure();
         }

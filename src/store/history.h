@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 #include "store/change_cause.h"
 #include "store/history_entry.h"
 #include "store/history_texts.h"
+#include "store/known_index.h"
 
 namespace tessaly::store {
 
@@ -23,8 +25,10 @@ namespace tessaly::store {
 /// its folder, which the owner alone can read, lie the texts as they were ("texts/ab/abcd…", named
 /// by their hash, each once) and "index", a line for each entry: time, cause, hash, number of bytes
 /// and path, separated by tabs, oldest first. A line that is torn or not understood is passed over,
-/// and kept. Entries older than 90 days go, and the oldest beyond 512 MB; the texts with the last
-/// entry that names them. A pruning that fails is no failure of what was kept. Any thread and
+/// and kept. Of what was typed in an editor, much is thinned out (`history_thinning.h`): those
+/// lines are no entries. Entries older than 90 days go, and the oldest beyond 512 MB; the texts
+/// with the last entry that names them. What is thinned out may leave its text until the next
+/// pruning. A pruning that fails is no failure of what was kept. Any thread and
 /// process: changes are made under the history's own lock, which may be taken while a data folder's
 /// is held, never the other way round.
 class History {
@@ -40,7 +44,8 @@ public:
         : _tools(tools),
           _limits(limits),
           _folder(std::move(folder)),
-          _texts(tools.files, tools.changes, _folder + "/texts") {}
+          _texts(tools.files, tools.changes, _folder + "/texts"),
+          _index(tools.files, tools.changes, _folder, indexName) {}
 
     const std::string& folder() const { return _folder; }
 
@@ -77,11 +82,14 @@ public:
     base::Result<std::size_t> clear(const std::optional<std::string>& file = std::nullopt);
 
 private:
-    std::string indexFile() const { return _folder + "/index"; }
+    static constexpr const char* indexName = "index";
+    std::string indexFile() const { return _folder + "/" + indexName; }
     base::Result<ports::FileContents> readIndex() const;
     HistoryEntry entryOf(const std::string& file, std::string_view bytes, ChangeCause cause) const;
-    base::Result<base::Done> add(const ports::FileContents& index, const HistoryEntry& entry,
-                                 std::string_view bytes, ports::Durability durability);
+    base::Result<base::Done> add(const HistoryEntry& entry, std::string_view bytes,
+                                 ports::Durability durability);
+    base::Result<base::Done> sync(const HistoryEntry& entry);
+    void removeThinned();
     void prune(const HistoryEntry& newest);
     base::Result<base::Done> removeUnnamed(std::string_view index);
 
@@ -89,6 +97,8 @@ private:
     const HistoryLimits _limits;
     const std::string _folder;
     HistoryTexts _texts;
+    std::mutex _mutex;  // of the index, which the lock guards too: taken after that
+    KnownIndex _index;
 };
 
 }  // namespace tessaly::store

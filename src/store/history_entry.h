@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -29,8 +30,10 @@ struct HistoryLimits {
     /// Old texts go whenever a day's entries pass a multiple of this, and so much room is made
     /// then.
     std::uint64_t step = 64ULL << 20;
-    /// Of the index, which is read as a whole at each change.
+    /// Of the index, which is read as a whole when others wrote it.
     std::uint64_t indexBytes = 32ULL << 20;
+    /// Lines of entries that were thinned out go when a process has made so many.
+    std::size_t thinnedLines = 1024;
 };
 
 }  // namespace tessaly::store

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "base/enum_names.h"
+#include "store/history_thinning.h"
 #include "store/record_fields.h"
 
 namespace tessaly::store {
@@ -67,11 +68,26 @@ std::unordered_set<std::string> hashesIn(std::string_view index) {
     return hashes;
 }
 
+std::vector<IndexLine> standingLines(std::string_view index) {
+    const std::vector<std::string_view> lines = linesOf(index);
+    std::vector<IndexLine> standing;
+    ThinningOut thinningOut;
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
+        auto entry = entryOfLine(line->substr(0, line->size() - 1));
+        if (!entry || thinningOut.spares(*entry)) {
+            standing.push_back({*line, std::move(entry)});
+        }
+    }
+    std::reverse(standing.begin(), standing.end());
+    return standing;
+}
+
 std::vector<HistoryEntry> newestOf(std::string_view index, std::string_view path,
                                    std::size_t count) {
     const std::string ending = "\t" + escaped(path) + "\n";
     const std::boyer_moore_horspool_searcher searcher(ending.rbegin(), ending.rend());
     std::vector<HistoryEntry> newest;
+    ThinningOut thinningOut;
     while (newest.size() < count) {
         const auto hit = std::search(index.rbegin(), index.rend(), searcher);
         if (hit == index.rend()) {
@@ -79,7 +95,8 @@ std::vector<HistoryEntry> newestOf(std::string_view index, std::string_view path
         }
         const auto end = static_cast<std::size_t>(std::distance(hit, index.rend()));
         const std::size_t start = startOfLine(index, end);
-        if (auto entry = entryOfLine(index.substr(start, end - 1 - start))) {
+        auto entry = entryOfLine(index.substr(start, end - 1 - start));
+        if (entry && thinningOut.spares(*entry)) {
             newest.push_back(*std::move(entry));
         }
         index = index.substr(0, start);

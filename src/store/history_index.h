@@ -35,8 +35,17 @@ std::vector<std::string_view> linesOf(std::string_view index);
 /// lines name texts too.
 std::unordered_set<std::string> hashesIn(std::string_view index);
 
-/// At most `count` entries of the file `path`, newest first. Searches from the end, without
-/// reading the lines of other files.
+/// A line with its line break.
+struct IndexLine {
+    std::string_view text;
+    std::optional<HistoryEntry> entry;  ///< nothing: it is not understood
+};
+
+/// The lines of an index, oldest first, without those of entries that are thinned out.
+std::vector<IndexLine> standingLines(std::string_view index);
+
+/// At most `count` entries of the file `path` that stand, newest first. Searches from the end,
+/// without reading the lines of other files.
 std::vector<HistoryEntry> newestOf(std::string_view index, std::string_view path,
                                    std::size_t count);
 

@@ -16,9 +16,7 @@ auto dayOf(base::Instant time) {
     return std::chrono::floor<std::chrono::days>(time);
 }
 
-struct Line {
-    std::string_view text;
-    std::optional<HistoryEntry> entry;
+struct Line : IndexLine {
     bool isSpared = false;
 };
 
@@ -26,12 +24,12 @@ struct Line {
 std::vector<Line> youngLines(std::string_view index, base::Instant now, std::chrono::days age) {
     std::vector<Line> lines;
     bool isYoung = false;
-    for (const std::string_view text : linesOf(index)) {
-        auto entry = entryOfLine(text.substr(0, text.size() - 1));
+    for (IndexLine& line : standingLines(index)) {
+        const auto& entry = line.entry;
         const bool isOfNow = entry && entry->time >= now - age;
         isYoung = isYoung || (isOfNow && entry->time <= now);
         if (!entry || isOfNow || isYoung) {
-            lines.push_back({text, std::move(entry)});
+            lines.push_back({std::move(line)});
         }
     }
     return lines;
@@ -77,27 +75,27 @@ private:
 
 }  // namespace
 
-bool isPruningDue(std::string_view index, const HistoryEntry& entry, const HistoryLimits& limits) {
-    if (index.size() > limits.indexBytes) {
-        return true;
-    }
-    std::uint64_t bytesOfDay = 0;
-    bool isFirst = true;
-    bool isFirstOfDay = false;
+EntriesOfDay entriesOfDay(std::string_view index, base::Instant time) {
+    EntriesOfDay ofDay;
+    bool isEmpty = true;
     for (std::size_t end = index.rfind('\n') + 1; end > 0;) {
         const std::size_t start = startOfLine(index, end);
-        const auto earlier = entryOfLine(index.substr(start, end - 1 - start));
+        const auto entry = entryOfLine(index.substr(start, end - 1 - start));
         end = start;
-        if (earlier && dayOf(earlier->time) < dayOf(entry.time)) {
-            isFirstOfDay = isFirst;
+        if (entry && dayOf(entry->time) < dayOf(time)) {
+            ofDay.hasEarlierDay = isEmpty;
             break;
         }
-        if (earlier) {
-            isFirst = false;
-            bytesOfDay += earlier->bytes;
-        }
+        isEmpty = isEmpty && !entry;
+        ofDay.bytes += entry ? entry->bytes : 0;
     }
-    return isFirstOfDay || bytesOfDay / limits.step != (bytesOfDay + entry.bytes) / limits.step;
+    return ofDay;
+}
+
+bool isPruningDue(std::size_t indexBytes, const EntriesOfDay& ofDay, const HistoryEntry& entry,
+                  const HistoryLimits& limits) {
+    return indexBytes > limits.indexBytes || ofDay.hasEarlierDay ||
+           ofDay.bytes / limits.step != (ofDay.bytes + entry.bytes) / limits.step;
 }
 
 std::string pruned(std::string_view index, const HistoryLimits& limits, base::Instant now,

@@ -36,16 +36,25 @@ bool HistoryTexts::holds(const std::string& hash, std::string_view bytes) const 
     return contents && contents->bytes == bytes;
 }
 
-Result<Done> HistoryTexts::put(const std::string& hash, std::string_view bytes,
-                               ports::Durability durability) {
+Result<HistoryTexts::Put> HistoryTexts::put(const std::string& hash, std::string_view bytes,
+                                            ports::Durability durability) {
     const std::string file = fileOf(hash);
     if (auto made = _changes.makeFolders(parentOf(file)); !made) {
-        return made;
+        return made.failure();
     }
     auto created = _changes.create(file, bytes, ports::Readers::ownerOnly, durability);
-    if (created || created.failure().kind != Failure::Kind::exists) {
-        return created;
+    if (created) {
+        return Put::isNew;
     }
+    if (created.failure().kind != Failure::Kind::exists) {
+        return created.failure();
+    }
+    auto renewed = renew(file, bytes, durability);
+    return renewed ? Result<Put>(Put::wasThere) : renewed.failure();
+}
+
+Result<Done> HistoryTexts::renew(const std::string& file, std::string_view bytes,
+                                 ports::Durability durability) {
     const auto there = _files.read(file);
     if (!there) {
         return there.failure();
@@ -55,6 +64,10 @@ Result<Done> HistoryTexts::put(const std::string& hash, std::string_view bytes,
         return _changes.replace(file, *there, bytes);
     }
     return durability == ports::Durability::now ? _changes.sync(file) : Result<Done>(Done{});
+}
+
+Result<Done> HistoryTexts::remove(const std::string& hash) {
+    return _changes.remove(fileOf(hash));
 }
 
 Result<Done> HistoryTexts::sync(const std::string& hash) const {

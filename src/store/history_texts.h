@@ -25,8 +25,11 @@ public:
     /// Whether these bytes are there, all of them.
     bool holds(const std::string& hash, std::string_view bytes) const;
 
-    base::Result<base::Done> put(const std::string& hash, std::string_view bytes,
-                                 ports::Durability durability);
+    enum class Put { isNew, wasThere };
+    base::Result<Put> put(const std::string& hash, std::string_view bytes,
+                          ports::Durability durability);
+
+    base::Result<base::Done> remove(const std::string& hash);
 
     /// Puts one on the disk that is there.
     base::Result<base::Done> sync(const std::string& hash) const;
@@ -36,6 +39,8 @@ public:
     base::Result<base::Done> keepOnly(const std::unordered_set<std::string>& hashes);
 
 private:
+    base::Result<base::Done> renew(const std::string& file, std::string_view bytes,
+                                   ports::Durability durability);
     std::string fileOf(const std::string& hash) const;
 
     ports::FileSystem& _files;

@@ -21,12 +21,13 @@ constexpr std::size_t longLine = 12;
 constexpr std::size_t certain = 3;
 
 /// A text's lines, and how often each occurs.
-struct Text {
+struct CountedText {
     std::string plain;
     std::vector<std::string_view> lines;
     std::unordered_map<std::string_view, std::size_t> counts;
 
-    explicit Text(std::string_view text) : plain(plainText(text)), lines(linesOfText(plain)) {
+    explicit CountedText(std::string_view text)
+        : plain(plainText(text)), lines(linesOfText(plain)) {
         if (lines.back().empty()) {
             lines.pop_back();
         }
@@ -34,17 +35,17 @@ struct Text {
             ++counts[line];
         }
     }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
+    CountedText(const CountedText&) = delete;
+    CountedText& operator=(const CountedText&) = delete;
 
-    bool isSame(const Text& other) const { return lines == other.lines; }
+    bool isSame(const CountedText& other) const { return lines == other.lines; }
     std::size_t count(std::string_view line) const {
         const auto found = counts.find(line);
         return found == counts.end() ? 0 : found->second;
     }
 };
 
-using Texts = std::deque<Text>;  // stays in place: the lines point into each text
+using Texts = std::deque<CountedText>;  // stays in place: the lines point into each text
 
 Texts textsOf(std::span<const std::string_view> bytes) {
     Texts texts;
@@ -56,9 +57,9 @@ Texts textsOf(std::span<const std::string_view> bytes) {
 
 /// How many of the earlier texts may be the one that the versions were made from.
 std::size_t endOfCandidates(const Texts& earlier, const Texts& versions) {
-    const auto isVersion = [&](const Text& text) {
+    const auto isVersion = [&](const CountedText& text) {
         return std::any_of(versions.begin(), versions.end(),
-                           [&](const Text& version) { return version.isSame(text); });
+                           [&](const CountedText& version) { return version.isSame(text); });
     };
     const auto last = std::find_if_not(earlier.rbegin(), earlier.rend(), isVersion);
     return static_cast<std::size_t>(earlier.rend() - last);
@@ -68,7 +69,9 @@ std::size_t endOfCandidates(const Texts& earlier, const Texts& versions) {
 std::vector<std::size_t> birthsOfSharedLines(const Texts& earlier, const Texts& versions) {
     std::vector<std::size_t> births;
     for (const auto& [line, count] : versions.front().counts) {
-        const auto hasLine = [text = line](const Text& other) { return other.count(text) > 0; };
+        const auto hasLine = [text = line](const CountedText& other) {
+            return other.count(text) > 0;
+        };
         if (line.size() < longLine || !std::all_of(versions.begin(), versions.end(), hasLine)) {
             continue;
         }
@@ -93,10 +96,10 @@ std::size_t firstCandidate(const Texts& earlier, const Texts& versions, std::siz
 }
 
 /// How often a line is in the base at most.
-std::size_t certainCount(std::string_view line, std::span<const Text* const> candidates,
+std::size_t certainCount(std::string_view line, std::span<const CountedText* const> candidates,
                          const Texts& versions) {
     std::size_t least = candidates.front()->count(line);
-    for (const Text* const text : candidates) {
+    for (const CountedText* const text : candidates) {
         least = std::min(least, text->count(line));
     }
     if (versions.size() == 2) {
@@ -104,13 +107,13 @@ std::size_t certainCount(std::string_view line, std::span<const Text* const> can
     }
     // Three and more are joined one after the other: of a line that one has twice and the next has
     // not, the one that is left would count as the base's for the third.
-    const bool isRepeated = std::any_of(versions.begin(), versions.end(), [&](const Text& version) {
-        return version.count(line) > 1;
-    });
+    const bool isRepeated =
+        std::any_of(versions.begin(), versions.end(),
+                    [&](const CountedText& version) { return version.count(line) > 1; });
     return isRepeated ? 0 : std::min<std::size_t>(least, 1);
 }
 
-std::string certainLines(std::span<const Text* const> candidates, const Texts& versions) {
+std::string certainLines(std::span<const CountedText* const> candidates, const Texts& versions) {
     std::string text;
     std::unordered_map<std::string_view, std::size_t> taken;
     for (const std::string_view line : candidates.front()->lines) {
@@ -132,7 +135,7 @@ std::optional<MergeBase> mergeBase(std::span<const std::string_view> earlier,
         return std::nullopt;
     }
     const std::size_t first = firstCandidate(known, joined, end);
-    std::vector<const Text*> candidates;
+    std::vector<const CountedText*> candidates;
     for (std::size_t i = first; i < end; ++i) {
         candidates.push_back(&known[i]);
     }

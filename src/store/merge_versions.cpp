@@ -12,11 +12,11 @@ namespace tessaly::store {
 
 namespace {
 
-struct Text {
+struct VersionLines {
     std::vector<std::string_view> lines;
     bool endsInBreak;
 
-    explicit Text(std::string_view plain)
+    explicit VersionLines(std::string_view plain)
         : lines(linesOfText(plain)), endsInBreak(plain.ends_with('\n')) {
         if (lines.back().empty()) {
             lines.pop_back();
@@ -26,7 +26,7 @@ struct Text {
 };
 
 // An empty line is its break.
-bool endsInBreak(std::string_view last, const Text& mine, const Text& theirs) {
+bool endsInBreak(std::string_view last, const VersionLines& mine, const VersionLines& theirs) {
     if (last.empty()) {
         return true;
     }
@@ -34,11 +34,11 @@ bool endsInBreak(std::string_view last, const Text& mine, const Text& theirs) {
 }
 
 std::string allLines(std::string_view mine, std::string_view theirs) {
-    const Text myText(mine);
-    const Text theirText(theirs);
+    const VersionLines myText(mine);
+    const VersionLines theirText(theirs);
     std::string text;
     std::string_view last;
-    const auto add = [&](const Text& from, std::size_t start, std::size_t end) {
+    const auto add = [&](const VersionLines& from, std::size_t start, std::size_t end) {
         for (; start < end; ++start) {
             last = from.lines[start];
             text.append(last).append(1, '\n');

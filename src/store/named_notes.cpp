@@ -12,9 +12,9 @@ namespace tessaly::store {
 namespace {
 
 using base::NoteType;
-using Place = std::tuple<NoteType, std::string_view>;
+using NamePlace = std::tuple<NoteType, std::string_view>;
 
-Place placeOf(const NamedNote& name) {
+NamePlace placeOf(const NamedNote& name) {
     return {name.type, name.filename};
 }
 
@@ -59,9 +59,9 @@ std::vector<NamedNote> heldButNotNamed(const std::vector<NamedNote>& names,
     std::vector<NamedNote> missing;
     const auto check = [&](NoteType type, std::string_view filename) {
         const auto at = std::lower_bound(
-            names.begin(), names.end(), Place(type, filename),
-            [](const NamedNote& name, const Place& place) { return placeOf(name) < place; });
-        if (at == names.end() || placeOf(*at) != Place(type, filename)) {
+            names.begin(), names.end(), NamePlace(type, filename),
+            [](const NamedNote& name, const NamePlace& place) { return placeOf(name) < place; });
+        if (at == names.end() || placeOf(*at) != NamePlace(type, filename)) {
             missing.push_back({type, std::string(filename)});
         }
     };

@@ -7,6 +7,7 @@
 
 #include "store/note_loading.h"
 #include "store/note_names.h"
+#include "store/shared_const.h"
 
 namespace tessaly::store {
 namespace {
@@ -15,11 +16,6 @@ constexpr int daysAhead = 10;
 
 std::string queueLabel(const DataStore& store, std::string_view collection) {
     return std::string(store.bundleIdentifier()).append(".NoteCache.").append(collection);
-}
-
-template <class T>
-std::shared_ptr<const T> shared(T value) {
-    return std::make_shared<const T>(std::move(value));
 }
 
 }  // namespace
@@ -55,14 +51,14 @@ void NoteCache::loadAll(const LoadOptions& options) {
     LoadedNotes notes =
         loadNotes(_tools.store, _tools.executor, _settings, std::move(reading), index);
     if (notes.report.cancelled) {
-        setCalendarNotes(shared(CalendarNotes()));  // only a first load is cancelled
+        setCalendarNotes(sharedConst(CalendarNotes()));  // only a first load is cancelled
         return;
     }
-    setGeneralNotes(shared(std::move(notes.generalNotes)));
-    setCalendarNotes(shared(std::move(notes.calendarNotes)));
-    setTags(shared(std::move(notes.lineAtTags)), shared(std::move(notes.lineHashTags)));
-    _strays.set(shared(std::move(notes.strays)));
-    _report.set(shared(std::move(notes.report)));
+    setGeneralNotes(sharedConst(std::move(notes.generalNotes)));
+    setCalendarNotes(sharedConst(std::move(notes.calendarNotes)));
+    setTags(sharedConst(std::move(notes.lineAtTags)), sharedConst(std::move(notes.lineHashTags)));
+    _strays.set(sharedConst(std::move(notes.strays)));
+    _report.set(sharedConst(std::move(notes.report)));
     _areNoteTasksCounted = false;
     _earlier = EarlierTexts();
     _inConflict.clear();
@@ -80,7 +76,7 @@ void NoteCache::showNextDays() {
         changes.notes.push_back({base::NoteType::calendar, note->model.filename});
     });
     changes.calendarNotes = !days.empty();
-    setCalendarNotes(shared(std::move(days)));
+    setCalendarNotes(sharedConst(std::move(days)));
     tell(changes);
 }
 

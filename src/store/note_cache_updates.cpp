@@ -12,6 +12,7 @@
 #include "store/note_cache.h"
 #include "store/note_document.h"
 #include "store/paths.h"
+#include "store/shared_const.h"
 
 namespace tessaly::store {
 namespace {
@@ -40,11 +41,6 @@ bool isSame(const grammar::MarkerSettings& a, const grammar::MarkerSettings& b) 
 bool isSame(const CountSettings& a, const CountSettings& b) {
     return isSame(a.markers, b.markers) &&
            a.isIndentedTasksInCalendar == b.isIndentedTasksInCalendar;
-}
-
-template <class T>
-std::shared_ptr<const T> shared(T value) {
-    return std::make_shared<const T>(std::move(value));
 }
 
 // Days that have tasks, and those that had some when they were counted last.
@@ -224,10 +220,10 @@ void NoteCache::publish(const NoteUpdate& update) {
     }
     changes.calendarNotes = update.isCalendarChanged();
     if (const auto general = update.generalChanges(); !general.empty()) {
-        setGeneralNotes(shared(_generalNotes.get()->with(general)));
+        setGeneralNotes(sharedConst(_generalNotes.get()->with(general)));
     }
     if (const auto days = update.calendarChanges(); !days.empty()) {
-        setCalendarNotes(shared(_calendarNotes.get()->with(days)));
+        setCalendarNotes(sharedConst(_calendarNotes.get()->with(days)));
     }
     if (auto strays = update.strays()) {
         _strays.set(std::move(strays));
@@ -238,8 +234,8 @@ void NoteCache::publish(const NoteUpdate& update) {
     changes.lineAtTags = atTags.any();
     changes.lineHashTags = hashTags.any();
     if (changes.lineAtTags || changes.lineHashTags) {
-        setTags(shared(atTags.appliedTo(*_lineAtTags.get())),
-                shared(hashTags.appliedTo(*_lineHashTags.get())));
+        setTags(sharedConst(atTags.appliedTo(*_lineAtTags.get())),
+                sharedConst(hashTags.appliedTo(*_lineHashTags.get())));
     }
     tell(changes);
 }
@@ -285,7 +281,7 @@ void NoteCache::recountIfNeeded() {
 
 // The markers decide which dated lines are tasks, and nothing else of a general note.
 std::shared_ptr<const GeneralNotes> NoteCache::recounted(const GeneralNotes& notes) const {
-    return shared(
+    return sharedConst(
         replaced(notes, _tools.executor, [this](const auto& item, grammar::NoteScanner& scanner) {
             const LoadedNote& held = item->note;
             if (held.isFolder) {
@@ -297,7 +293,7 @@ std::shared_ptr<const GeneralNotes> NoteCache::recounted(const GeneralNotes& not
 }
 
 std::shared_ptr<const CalendarNotes> NoteCache::recounted(const CalendarNotes& notes) const {
-    return shared(
+    return sharedConst(
         replaced(notes, _tools.executor,
                  [this](const auto& item, grammar::NoteScanner& scanner) -> CalendarNotes::Pointer {
                      if (!item->stamp) {

@@ -41,7 +41,7 @@ std::optional<std::string> NoteDocument::dataOfType(DocumentError& error) const 
 
 namespace {
 
-base::Result<std::string> bytesOf(const NoteDocument& document) {
+base::Result<std::string> bytesOfDocument(const NoteDocument& document) {
     DocumentError error;
     auto bytes = document.dataOfType(error);
     return bytes ? base::Result<std::string>(std::move(*bytes))
@@ -54,21 +54,21 @@ base::Result<std::optional<std::string>> editedBytes(std::string_view bytes, con
     NoteDocument document;
     document.readFromData(bytes);
     if (!document.noteContent) {
-        return bytesOf(document).failure();
+        return bytesOfDocument(document).failure();
     }
     auto text = edit(*document.noteContent);
     if (!text || !*text) {
         return text;
     }
     document.noteContent = **std::move(text);
-    auto edited = bytesOf(document);
+    auto edited = bytesOfDocument(document);
     return edited ? base::Result<std::optional<std::string>>(*std::move(edited)) : edited.failure();
 }
 
 base::Result<std::string> bytesOfText(std::string_view text) {
     NoteDocument document;
     document.noteContent = text;
-    return bytesOf(document);
+    return bytesOfDocument(document);
 }
 
 }  // namespace tessaly::store

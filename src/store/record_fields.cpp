@@ -11,8 +11,6 @@
 namespace tessaly::store {
 namespace {
 
-using std::chrono::nanoseconds;
-
 constexpr std::array<std::pair<char, char>, 4> escapes{
     {{'\\', '\\'}, {'\t', 't'}, {'\n', 'n'}, {'\r', 'r'}}};
 
@@ -64,7 +62,7 @@ std::optional<std::string> unescaped(std::string_view field) {
 
 std::string timeText(base::Instant time) {
     const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::hh_mm_ss<nanoseconds> clock{time - day};
+    const std::chrono::hh_mm_ss<std::chrono::nanoseconds> clock{time - day};
     return fmt::format("{}T{:02}:{:02}:{:02}.{:09}Z", base::tagText(base::Day{day}),
                        clock.hours().count(), clock.minutes().count(), clock.seconds().count(),
                        clock.subseconds().count());
@@ -87,7 +85,7 @@ std::optional<base::Instant> timeOf(std::string_view text) {
         return std::nullopt;
     }
     return std::chrono::sys_days{*day} + std::chrono::hours{*hour} + std::chrono::minutes{*minute} +
-           std::chrono::seconds{*second} + nanoseconds{*fraction};
+           std::chrono::seconds{*second} + std::chrono::nanoseconds{*fraction};
 }
 
 }  // namespace tessaly::store

@@ -21,7 +21,7 @@ using base::Result;
 namespace {
 
 // Each try has lost against another program that wrote between our reading and our writing.
-constexpr int maxTries = 20;
+constexpr int maxChangeTries = 20;
 constexpr std::chrono::milliseconds longestPause{64};
 
 /// One try of a change; nothing: the file was changed meanwhile, and a new one is due.
@@ -31,7 +31,7 @@ using Try = std::optional<Result<T>>;
 template <class T, class TryOnce>
 Result<T> tryUntilStill(const std::string& file, const TryOnce& tryOnce) {
     std::chrono::milliseconds pause{1};
-    for (int i = 0; i < maxTries; ++i) {
+    for (int i = 0; i < maxChangeTries; ++i) {
         if (Try<T> outcome = tryOnce()) {
             return *std::move(outcome);
         }

@@ -25,7 +25,7 @@ std::optional<Value> mergedValue(const Value& base, const Value& mine, const Val
 }
 
 /// How often a tag stands in each version.
-struct TagCount {
+struct CoreTagCount {
     int inBase = 0;
     int inMine = 0;
     int inTheirs = 0;
@@ -42,11 +42,11 @@ struct TagCount {
         return inMine > inBase ? std::max(inMine, inTheirs) : std::min(inMine, inTheirs);
     }
 };
-using TagCounts = std::map<std::string_view, TagCount>;
+using CoreTagCounts = std::map<std::string_view, CoreTagCount>;
 
-void countTags(const TaskLine& line, int TagCount::*version, TagCounts& counts) {
+void countTags(const TaskLine& line, int CoreTagCount::*version, CoreTagCounts& counts) {
     for (const TaskTag& tag : line.tags) {
-        TagCount& found = counts[tag.core];
+        CoreTagCount& found = counts[tag.core];
         ++(found.*version);
         found.family = tag.family;
     }
@@ -55,7 +55,7 @@ void countTags(const TaskLine& line, int TagCount::*version, TagCounts& counts) 
 /// A task has one of each of these: two different ones are two answers to the same question.
 constexpr std::array<std::string_view, 3> singleFamilies{">", "@done", "@repeat"};
 
-bool isChangedDifferently(const TagCounts& counts, std::string_view family) {
+bool isChangedDifferently(const CoreTagCounts& counts, std::string_view family) {
     bool byMine = false;
     bool byTheirs = false;
     bool differ = false;
@@ -74,10 +74,10 @@ using TagBudget = std::map<std::string_view, int>;
 
 std::optional<TagBudget> mergedTags(const TaskLine& base, const TaskLine& mine,
                                     const TaskLine& theirs) {
-    TagCounts counts;
-    countTags(base, &TagCount::inBase, counts);
-    countTags(mine, &TagCount::inMine, counts);
-    countTags(theirs, &TagCount::inTheirs, counts);
+    CoreTagCounts counts;
+    countTags(base, &CoreTagCount::inBase, counts);
+    countTags(mine, &CoreTagCount::inMine, counts);
+    countTags(theirs, &CoreTagCount::inTheirs, counts);
     for (const std::string_view family : singleFamilies) {
         if (isChangedDifferently(counts, family)) {
             return std::nullopt;

@@ -322,11 +322,11 @@ TEST_CASE("history: an index that is too long loses its oldest lines of any kind
     for (int i = 0; i < 6; ++i) {
         index += store::lineOf(entry);
     }
-    CHECK(store::isPruningDue(index, entry, limits));
+    CHECK(store::isPruningDue(index.size(), {}, entry, limits));
     const std::string left = store::pruned(index, limits, noon, "/g");
     CHECK(left.size() <= 750);
     CHECK(left == index.substr(index.size() - left.size()));
-    CHECK_FALSE(store::isPruningDue(left, entry, limits));
+    CHECK_FALSE(store::isPruningDue(left.size(), {}, entry, limits));
 }
 
 TEST_CASE_FIXTURE(Fixture,
