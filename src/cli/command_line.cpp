@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "base/localisation.h"
+#include "cli/malformed.h"
 #include "cli/safe_text.h"
 #include "settings/nearest_name.h"
 
@@ -18,10 +19,6 @@ namespace {
 
 using base::Failure;
 using base::tr;
-
-Failure misuse(std::string text) {
-    return {Failure::Kind::malformed, std::move(text)};
-}
 
 /// The library takes a word such as "[a,b]" apart as a list. A mark before the bracket keeps the
 /// word whole; a word that begins with the mark itself gets another.
@@ -96,9 +93,10 @@ public:
         } catch (const CLI::ExtrasError&) {
             return unexpected(_app.remaining(true).front());
         } catch (const CLI::ArgumentMismatch& error) {
-            return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), nameIn(error.what())));
+            return malformed(
+                fmt::format(fmt::runtime(tr("{} needs a value")), nameIn(error.what())));
         } catch (const CLI::ParseError& error) {
-            return misuse(error.what());
+            return malformed(error.what());
         }
         return finished(std::move(words.taken));
     }
@@ -137,7 +135,7 @@ private:
         const std::string shown = safeText(unguarded(word));
         if (word.starts_with('-')) {
             const bool takesWords = verb() != nullptr && verb()->most > 0;
-            return misuse(fmt::format(
+            return malformed(fmt::format(
                 fmt::runtime(takesWords ? tr("unknown option {}; a word that begins with - goes "
                                              "behind --")
                                         : tr("unknown option {}")),
@@ -151,10 +149,10 @@ private:
         const std::string shown = safeText(unguarded(word));
         const VerbRow* near = nearestVerb(word);
         if (near == nullptr) {
-            return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”")), shown));
+            return malformed(fmt::format(fmt::runtime(tr("unknown verb “{}”")), shown));
         }
-        return misuse(fmt::format(fmt::runtime(tr("unknown verb “{}”; did you mean “{}”?")), shown,
-                                  near->name));
+        return malformed(fmt::format(fmt::runtime(tr("unknown verb “{}”; did you mean “{}”?")),
+                                     shown, near->name));
     }
 
     std::optional<std::string> global(std::string_view name) const {
@@ -174,10 +172,10 @@ private:
         invocation.help = global("--help").has_value();
         invocation.version = global("--version").has_value();
         if (invocation.root && invocation.root->empty()) {
-            return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), "--root"));
+            return malformed(fmt::format(fmt::runtime(tr("{} needs a value")), "--root"));
         }
         if (!readColor(global("--color").value_or("auto"), invocation.color)) {
-            return misuse(tr("--color is auto, always or never"));
+            return malformed(tr("--color is auto, always or never"));
         }
         invocation.verb = verb();
         if (invocation.verb != nullptr) {
@@ -205,29 +203,30 @@ private:
                 continue;
             }
             if (row.argument != nullptr && values.options.find(row.name)->second->count() > 1) {
-                return misuse(fmt::format(fmt::runtime(tr("{} is given twice")), row.name));
+                return malformed(fmt::format(fmt::runtime(tr("{} is given twice")), row.name));
             }
             if (row.group != 0 && ofGroup != nullptr && ofGroup->group == row.group) {
-                return misuse(fmt::format(fmt::runtime(tr("{} and {} exclude each other")),
-                                          ofGroup->name, row.name));
+                return malformed(fmt::format(fmt::runtime(tr("{} and {} exclude each other")),
+                                             ofGroup->name, row.name));
             }
             ofGroup = row.group != 0 ? &row : ofGroup;
             const auto text = values.texts.find(row.name);
             std::string& value = invocation.options[row.name];
             value = text == values.texts.end() ? std::string{} : unguarded(text->second);
             if (value.empty() && row.completion == Completion::note) {
-                return misuse(fmt::format(fmt::runtime(tr("{} needs a value")), row.name));
+                return malformed(fmt::format(fmt::runtime(tr("{} needs a value")), row.name));
             }
         }
         if (invocation.help || invocation.version) {
             return invocation;
         }
         if (invocation.arguments.size() > verb.most) {
-            return misuse(fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
-                                      safeText(invocation.arguments[verb.most])));
+            return malformed(fmt::format(fmt::runtime(tr("unexpected argument “{}”")),
+                                         safeText(invocation.arguments[verb.most])));
         }
         if (invocation.arguments.size() < verb.fewest) {
-            return misuse(fmt::format(fmt::runtime(tr("{} needs {}")), verb.name, verb.synopsis));
+            return malformed(
+                fmt::format(fmt::runtime(tr("{} needs {}")), verb.name, verb.synopsis));
         }
         return invocation;
     }

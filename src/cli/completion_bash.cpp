@@ -21,7 +21,7 @@ constexpr std::array<std::string_view, 8> kindNames{"nothing", "words",  "words"
 // Of the option that the script passes on.
 constexpr std::string_view rootPattern = "*:--root";
 
-std::string_view nameOf(Completion completion) {
+std::string_view completionName(Completion completion) {
     return kindNames[static_cast<std::size_t>(completion)];
 }
 
@@ -41,12 +41,13 @@ std::string verbNames() {
     return text;
 }
 
-std::string verbArms() {
+std::string bashVerbArms() {
     std::string text;
     for (const VerbRow& verb : verbs()) {
         text += fmt::format("    {})\n        options+={} most={} kind={} words={}\n        ;;\n",
-                            verb.name, quoted(" " + names(verb.options)), verb.most,
-                            nameOf(verb.completion.completion), quoted(verb.completion.words));
+                            verb.name, shellQuoted(" " + names(verb.options)), verb.most,
+                            completionName(verb.completion.completion),
+                            shellQuoted(verb.completion.words));
     }
     return text;
 }
@@ -77,7 +78,7 @@ std::string valueArms() {
     std::string text;
     for (const auto& [pattern, row] : valueOptions()) {
         text += fmt::format("    {})\n        isValue=1 kind={} words={}\n        ;;\n", pattern,
-                            nameOf(row->completion), quoted(row->words));
+                            completionName(row->completion), shellQuoted(row->words));
     }
     return text;
 }
@@ -158,11 +159,12 @@ _tessaly() {{
 
 complete -F _tessaly tessaly
 )",
-                       fmt::arg("verbs", quoted(verbNames())),
-                       fmt::arg("globals", quoted(names(globalOptions()))),
+                       fmt::arg("verbs", shellQuoted(verbNames())),
+                       fmt::arg("globals", shellQuoted(names(globalOptions()))),
                        fmt::arg("rootPattern", rootPattern),
-                       fmt::arg("valuePatterns", valuePatterns()), fmt::arg("verbArms", verbArms()),
-                       fmt::arg("valueArms", valueArms()), fmt::arg("keys", quoted(settingKeys())));
+                       fmt::arg("valuePatterns", valuePatterns()),
+                       fmt::arg("verbArms", bashVerbArms()), fmt::arg("valueArms", valueArms()),
+                       fmt::arg("keys", shellQuoted(settingKeys())));
 }
 
 }  // namespace tessaly::cli

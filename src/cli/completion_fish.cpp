@@ -17,7 +17,7 @@ namespace {
 std::string argumentOf(Completion completion, std::string_view words) {
     switch (completion) {
         case Completion::words:
-        case Completion::day: return fmt::format(" -x -a {}", quoted(words));
+        case Completion::day: return fmt::format(" -x -a {}", shellQuoted(words));
         case Completion::note: return fmt::format(" -x -a '{} (__tessaly_notes)'", words);
         case Completion::file: return " -r -F";
         case Completion::filter: return " -x -a '(__tessaly_filters)'";
@@ -33,7 +33,7 @@ std::string optionLine(const OptionRow& row, std::string_view condition) {
     if (row.argument != nullptr) {
         line += argumentOf(row.completion, row.words);
     }
-    return line + fmt::format(" -d {}\n", quoted(row.help));
+    return line + fmt::format(" -d {}\n", shellQuoted(row.help));
 }
 
 /// What goes behind some of the words of a verb.
@@ -121,7 +121,7 @@ complete -c tessaly -f
     }
     for (const VerbRow& verb : verbs()) {
         text += fmt::format("complete -c tessaly -n __tessaly_has_verb -a {} -d {}\n", verb.name,
-                            quoted(verb.help));
+                            shellQuoted(verb.help));
         text += verbLines(verb);
     }
     return text;

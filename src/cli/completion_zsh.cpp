@@ -36,10 +36,10 @@ std::string actionOf(Completion completion, std::string_view words) {
 std::string optionRule(const OptionRow& row) {
     const std::string help = described(row.help);
     if (row.argument == nullptr) {
-        return quoted(fmt::format("{}[{}]", row.name, help));
+        return shellQuoted(fmt::format("{}[{}]", row.name, help));
     }
-    return quoted(fmt::format("{}=[{}]:{}:{}", row.name, help, row.argument,
-                              actionOf(row.completion, row.words)));
+    return shellQuoted(fmt::format("{}=[{}]:{}:{}", row.name, help, row.argument,
+                                   actionOf(row.completion, row.words)));
 }
 
 std::string optionRules(std::span<const OptionRow> options, std::string_view before) {
@@ -54,7 +54,7 @@ std::string verbDescriptions() {
     std::string text;
     for (const VerbRow& verb : verbs()) {
         text += fmt::format("\n        {}",
-                            quoted(fmt::format("{}:{}", verb.name, described(verb.help))));
+                            shellQuoted(fmt::format("{}:{}", verb.name, described(verb.help))));
     }
     return text;
 }
@@ -65,15 +65,16 @@ std::string argumentRules(const VerbRow& verb) {
         const std::string names = completion == Completion::filter
                                       ? "NAME:" + actionOf(completion, {})
                                       : fmt::format("KEY:({})", settingKeys());
-        return " " + quoted(fmt::format("1:action:({})", words)) + " " + quoted("2:" + names);
+        return " " + shellQuoted(fmt::format("1:action:({})", words)) + " " +
+               shellQuoted("2:" + names);
     }
     if (verb.most == 0) {
         return {};
     }
-    return " " + quoted(fmt::format("1:argument:{}", actionOf(completion, words)));
+    return " " + shellQuoted(fmt::format("1:argument:{}", actionOf(completion, words)));
 }
 
-std::string verbArms() {
+std::string zshVerbArms() {
     std::string text;
     for (const VerbRow& verb : verbs()) {
         text += fmt::format("        {}) _arguments $globals{}{} ;;\n", verb.name,
@@ -121,7 +122,7 @@ _tessaly() {{
 _tessaly "$@"
 )zsh",
                        fmt::arg("globals", optionRules(globalOptions(), "\n        ")),
-                       fmt::arg("verbs", verbDescriptions()), fmt::arg("arms", verbArms()));
+                       fmt::arg("verbs", verbDescriptions()), fmt::arg("arms", zshVerbArms()));
 }
 
 }  // namespace tessaly::cli

@@ -24,6 +24,11 @@ void complain(std::string_view text) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+Exit misuse(std::string_view text) {
+    complain(text);
+    return Exit::misuse;
+}
+
 Exit couldNot(Context& context, const base::Failure& failure) {
     context.progress.erase();
     if (failure.kind != base::Failure::Kind::cancelled) {

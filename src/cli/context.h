@@ -32,6 +32,9 @@ struct Context {
 /// Prints a line to standard error, as the program's: "tessaly: " and what is wrong.
 void complain(std::string_view text);
 
+/// Complains of how the program was called.
+Exit misuse(std::string_view text);
+
 /// Complains of a failure in its own words; of a cancelled one, not at all.
 Exit couldNot(Context& context, const base::Failure& failure);
 

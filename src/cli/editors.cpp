@@ -61,7 +61,7 @@ std::string_view programOf(std::string_view command) {
     return program.substr(program.rfind('/') + 1);
 }
 
-std::string environment(const char* name) {
+std::string trimmedEnvironment(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? std::string() : std::string(base::trimmed(value));
 }
@@ -84,8 +84,8 @@ std::string_view checkOf(std::string_view word) {
 }  // namespace
 
 std::string userEditor() {
-    const std::string visual = environment("VISUAL");
-    return visual.empty() ? environment("EDITOR") : visual;
+    const std::string visual = trimmedEnvironment("VISUAL");
+    return visual.empty() ? trimmedEnvironment("EDITOR") : visual;
 }
 
 Arguments editorArguments(std::string_view command, const std::string& file,

@@ -22,7 +22,7 @@ namespace tessaly::cli {
 namespace {
 
 /// Relative to the data folder; of a file elsewhere, the whole path.
-std::string nameOf(std::string_view path, const std::string& root) {
+std::string nameInFolder(std::string_view path, const std::string& root) {
     if (path.size() > root.size() + 1 && store::isInside(path, root)) {
         path.remove_prefix(root.size() + 1);
     }
@@ -90,8 +90,8 @@ std::string binaryDiff(Context& context, const app::FileChange& change, const st
 }
 
 std::string textOf(Context& context, const app::FileChange& change, const std::string& root) {
-    const std::string to = nameOf(change.path, root);
-    const std::string from = change.movedFrom ? nameOf(*change.movedFrom, root) : to;
+    const std::string to = nameInFolder(change.path, root);
+    const std::string from = change.movedFrom ? nameInFolder(*change.movedFrom, root) : to;
     const std::string header = headerOf(change, safeText(from), safeText(to));
     if (isOfBinary(change)) {
         return header + binaryDiff(context, change, safeText(from), safeText(to));
@@ -156,8 +156,8 @@ void printDiff(Context& context, const app::FileChange& change, const std::strin
 
 std::string diffBetween(Context& context, const FileText& from, const FileText& to) {
     const std::string root = context.services.dataStore().root();
-    return store::unifiedDiff(sided('a', nameOf(from.path, root)), from.bytes,
-                              sided('b', nameOf(to.path, root)), to.bytes);
+    return store::unifiedDiff(sided('a', nameInFolder(from.path, root)), from.bytes,
+                              sided('b', nameInFolder(to.path, root)), to.bytes);
 }
 
 void printDiffText(Context& context, const std::string& text) {

@@ -11,6 +11,7 @@
 
 #include "base/localisation.h"
 #include "base/utf8.h"
+#include "cli/malformed.h"
 #include "cli/safe_text.h"
 
 namespace tessaly::cli {
@@ -66,16 +67,12 @@ auto rowOf(const Rows& rows, std::string_view word) {
                         [&](const auto& row) { return row.word == word; });
 }
 
-Failure misuse(std::string words) {
-    return {Failure::Kind::malformed, std::move(words)};
-}
-
 Failure notAmong(const char* option, std::string_view word, std::string_view words) {
     std::string listed(words);
     for (std::size_t at = listed.find(' '); at != listed.npos; at = listed.find(' ', at + 2)) {
         listed.replace(at, 1, ", ");
     }
-    return misuse(
+    return malformed(
         fmt::format(fmt::runtime(tr("{0}: “{1}” is none of {2}")), option, safeText(word), listed));
 }
 
@@ -113,7 +110,7 @@ base::Result<Done> addTimeframe(const Invocation& invocation, Values& values) {
         return Done{};
     }
     if (invocation.has("--from") || invocation.has("--to")) {
-        return misuse(tr("--timeframe goes neither with --from nor with --to"));
+        return malformed(tr("--timeframe goes neither with --from nor with --to"));
     }
     const std::string word = invocation.value("--timeframe");
     const auto row = rowOf(timeframeRows, word);
@@ -132,7 +129,7 @@ base::Result<Done> addDay(const Invocation& invocation, const char* option,
     const std::string text = invocation.value(option);
     const auto day = parseDay(text);
     if (!day) {
-        return misuse(fmt::format(fmt::runtime(tr("“{}” is no day")), safeText(text)));
+        return malformed(fmt::format(fmt::runtime(tr("“{}” is no day")), safeText(text)));
     }
     values[parameter] = base::tagText(*day);
     setTimeframe(values, FilterTimeframe::custom);
@@ -145,7 +142,7 @@ base::Result<Done> addKeyword(const Invocation& invocation, Values& values) {
     }
     const std::string text = invocation.value("--keyword");
     if (base::trimmed(text).empty()) {
-        return misuse(tr("--keyword needs a text"));
+        return malformed(tr("--keyword needs a text"));
     }
     values[FilterParamater::keyword] = text;
     return Done{};
@@ -176,10 +173,10 @@ base::Result<search::Filter> filterFromOptions(const Invocation& invocation,
         }
     }
     if (values.empty()) {
-        return misuse(tr("filter save needs an option that says what the filter shows"));
+        return malformed(tr("filter save needs an option that says what the filter shows"));
     }
     if (isTurnedRound(values)) {
-        return misuse(tr("the day of --to is before that of --from"));
+        return malformed(tr("the day of --to is before that of --from"));
     }
     search::Filter filter;
     for (auto& [parameter, value] : values) {

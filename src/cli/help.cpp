@@ -137,7 +137,7 @@ std::string helpText(const Terminal& terminal) {
     page.gap();
     page.paragraph(
         tr("A planner that keeps everything in plain-text notes. Without a verb it "
-           "prints today."));
+           "opens the window; where there is no display, it prints today."));
     page.section(tr("Verbs"), verbEntries());
     page.section(tr("Options of every verb"), entriesOf(globalOptions()));
     page.gap();

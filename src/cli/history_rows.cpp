@@ -46,6 +46,8 @@ constexpr std::array causeRows{
     CauseRow{ChangeCause::resolved, N_("conflict resolved")},
     CauseRow{ChangeCause::held, N_("before a conflict")},
     CauseRow{ChangeCause::saved, N_("filter saved")},
+    CauseRow{ChangeCause::typed, N_("typed")},
+    CauseRow{ChangeCause::renamed, N_("note renamed")},
 };
 
 std::string timeOf(Context& context, const store::HistoryEntry& entry) {

@@ -12,10 +12,6 @@ namespace tessaly::cli {
 
 namespace {
 
-std::optional<std::string> dayText(std::optional<base::Day> day) {
-    return day ? std::optional{base::tagText(*day)} : std::nullopt;
-}
-
 std::optional<std::string> dateText(const grammar::Todo& todo, ports::Clock& clock) {
     if (!todo.date) {
         return std::nullopt;
@@ -53,6 +49,10 @@ std::vector<JsonObject> taskRecords(const std::vector<store::NoteTask>& tasks,
 }
 
 }  // namespace
+
+std::optional<std::string> dayText(std::optional<base::Day> day) {
+    return day ? std::optional{base::tagText(*day)} : std::nullopt;
+}
 
 JsonObject recordOf(base::TextRange range) {
     JsonObject object;

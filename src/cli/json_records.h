@@ -8,6 +8,7 @@
 #include "app/day_view.h"
 #include "app/doctor.h"
 #include "app/note_lists.h"
+#include "base/day.h"
 #include "base/text_range.h"
 #include "cli/json_line.h"
 #include "grammar/todo.h"
@@ -18,6 +19,9 @@ namespace tessaly::cli {
 
 /// The records as JSON: the fields in their order and by their names, days "yyyy-MM-dd", times as
 /// RFC 3339, null for what is absent. `clock` knows the zone.
+
+/// "yyyy-MM-dd"; nothing for no day.
+std::optional<std::string> dayText(std::optional<base::Day> day);
 
 JsonObject recordOf(base::TextRange range);
 

@@ -9,6 +9,7 @@
 
 #include "base/localisation.h"
 #include "base/utf8.h"
+#include "cli/malformed.h"
 
 namespace tessaly::cli {
 
@@ -19,10 +20,6 @@ namespace {
 
 const json& nodeOf(const void* node) {
     return *static_cast<const json*>(node);
-}
-
-Failure malformed(std::string text) {
-    return {Failure::Kind::malformed, std::move(text)};
 }
 
 /// How deep brackets are nested. The library writes values by recursion, so that the depth must be

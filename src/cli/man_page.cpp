@@ -124,10 +124,13 @@ keeps notes and tasks in plain-text files in one data folder: a calendar note
 for each day, and general notes in folders.
 Tasks are list lines of these notes.
 .Pp
-Without a verb,
+Without a verb or an option, and where there is a display,
 .Nm
-prints today; for a new user it first puts a few notes into the data folder
-that show how it works.
+opens the window, which the program
+.Nm tessaly-desktop
+beside it shows.
+Without a display it prints today.
+A new user first gets a few notes in the data folder that show how it works.
 In a terminal, what is printed is laid out for reading and cut to its width.
 Elsewhere each task or note is one whole line that begins with its address,
 such as

@@ -10,6 +10,7 @@
 #include "base/localisation.h"
 #include "base/utf8.h"
 #include "cli/json_records.h"
+#include "cli/malformed.h"
 #include "editor/edit.h"
 
 namespace tessaly::cli {
@@ -22,14 +23,10 @@ using base::tr;
 namespace {
 
 /// Bytes from the text's start.
-struct Span {
+struct ByteRange {
     std::size_t start = 0;
     std::size_t end = 0;
 };
-
-Failure malformed(std::string text) {
-    return {Failure::Kind::malformed, std::move(text)};
-}
 
 std::optional<std::size_t> numberFrom(std::string_view text) {
     std::size_t number = 0;
@@ -70,20 +67,20 @@ Result<std::size_t> byteAt(std::string_view text, std::size_t place, TextUnit un
     return byte;
 }
 
-Result<Span> spanOf(std::string_view text, const TextRange& range, TextUnit unit) {
+Result<ByteRange> spanOf(std::string_view text, const TextRange& range, TextUnit unit) {
     const auto start = byteAt(text, range.location, unit);
     if (!start) {
         return start.failure();
     }
     const bool overflows = range.length > text.size();
     const auto end = byteAt(text, overflows ? text.size() + 1 : range.end(), unit);
-    return end ? Result<Span>{Span{*start, *end}} : end.failure();
+    return end ? Result<ByteRange>{ByteRange{*start, *end}} : end.failure();
 }
 
 /// From the start of the first line to the end of the last one, before its line break; behind that
 /// of a last line that is empty, as the selection would not touch it else.
-Result<Span> spanOf(std::string_view text, const LineNumbers& lines) {
-    Span span;
+Result<ByteRange> spanOf(std::string_view text, const LineNumbers& lines) {
+    ByteRange span;
     std::size_t start = 0;
     for (std::size_t number = 1;; ++number) {
         const std::size_t end = std::min(text.find('\n', start), text.size());
@@ -107,21 +104,21 @@ Result<Span> spanOf(std::string_view text, const LineNumbers& lines) {
     }
 }
 
-Result<Span> spanOf(std::string_view text, const MarkPlace& place) {
+Result<ByteRange> spanOf(std::string_view text, const MarkPlace& place) {
     if (place.lines) {
         return spanOf(text, *place.lines);
     }
     return place.selection ? spanOf(text, *place.selection, place.unit)
-                           : Result<Span>{Span{0, text.size()}};
+                           : Result<ByteRange>{ByteRange{0, text.size()}};
 }
 
-TextRange rangeOf(std::string_view text, const Span& span, TextUnit unit) {
+TextRange rangeOf(std::string_view text, const ByteRange& span, TextUnit unit) {
     const std::size_t start = unitsAt(text, span.start, unit);
     return {start, unitsAt(text, span.end, unit) - start};
 }
 
 /// A range of UTF-16 units behind the byte-order mark of `text`.
-Span spanBehind(std::string_view text, std::size_t mark, const TextRange& range) {
+ByteRange spanBehind(std::string_view text, std::size_t mark, const TextRange& range) {
     const std::string_view body = text.substr(mark);
     return {mark + base::byteOffset(body, range.location),
             mark + base::byteOffset(body, range.end())};
@@ -149,7 +146,7 @@ Result<MarkedText> markedText(editor::MarkAction action, std::string_view text,
     if (!span) {
         return span.failure();
     }
-    const Span inBody{std::max(span->start, mark) - mark, std::max(span->end, mark) - mark};
+    const ByteRange inBody{std::max(span->start, mark) - mark, std::max(span->end, mark) - mark};
     const auto edit = editor::mark(action, body, rangeOf(body, inBody, TextUnit::utf16), settings);
     if (!edit) {
         return edit.failure();

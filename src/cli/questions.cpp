@@ -18,7 +18,7 @@ namespace tessaly::cli {
 
 namespace {
 
-constexpr std::size_t columns = 78;
+constexpr std::size_t questionColumns = 78;
 constexpr int trials = 3;
 
 void print(std::string_view text) {
@@ -48,9 +48,9 @@ std::optional<std::size_t> buttonIn(std::string_view line, std::size_t buttons) 
 }
 
 void printQuestion(const ports::Question& question) {
-    print(wrapped(safeText(question.title), 0, columns));
+    print(wrapped(safeText(question.title), 0, questionColumns));
     if (!question.text.empty()) {
-        print(wrapped(safeText(question.text), 0, columns));
+        print(wrapped(safeText(question.text), 0, questionColumns));
     }
     for (std::size_t index = 0; index < question.buttons.size(); ++index) {
         print(fmt::format("  {}  {}\n", index + 1, safeText(question.buttons[index])));

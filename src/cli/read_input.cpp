@@ -3,11 +3,11 @@
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 #include <unistd.h>
 
 #include "base/localisation.h"
+#include "host/program_host.h"
 
 namespace tessaly::cli {
 
@@ -38,25 +38,12 @@ base::Result<std::string> readStandardInput(const std::atomic<bool>& cancelled) 
 
 }  // namespace
 
-std::string absolutePath(const std::string& path) {
-    std::error_code error;
-    const auto absolute = std::filesystem::absolute(path, error);
-    if (error) {
-        return path;
-    }
-    std::string text = absolute.lexically_normal().string();
-    if (text.size() > 1 && text.back() == '/') {
-        text.pop_back();
-    }
-    return text;
-}
-
 base::Result<std::string> readInput(ports::FileSystem& files, const std::string& path,
                                     const std::atomic<bool>& cancelled) {
     if (path == "-") {
         return readStandardInput(cancelled);
     }
-    auto contents = files.read(absolutePath(path));
+    auto contents = files.read(host::absolutePath(path));
     if (!contents) {
         return contents.failure();
     }

@@ -9,9 +9,6 @@
 
 namespace tessaly::cli {
 
-/// The path of a file that the user named, absolute: a relative one lies in the working folder.
-std::string absolutePath(const std::string& path);
-
 /// The bytes of a file, or of standard input when `path` is "-": at most `ports::maxFileBytes`.
 base::Result<std::string> readInput(ports::FileSystem& files, const std::string& path,
                                     const std::atomic<bool>& cancelled);

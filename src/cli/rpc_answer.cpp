@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "base/localisation.h"
+#include "cli/malformed.h"
 #include "settings/nearest_name.h"
 
 namespace tessaly::cli {
@@ -35,10 +36,6 @@ Methods allMethods() {
 const Methods& methods() {
     static const Methods all = allMethods();
     return all;
-}
-
-Failure malformed(std::string text) {
-    return {Failure::Kind::malformed, std::move(text)};
 }
 
 Failure unknownMethod(std::string_view name) {

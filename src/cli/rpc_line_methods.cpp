@@ -37,10 +37,6 @@ public:
     }
 };
 
-std::optional<std::string> dayText(std::optional<base::Day> day) {
-    return day ? std::optional{base::tagText(*day)} : std::nullopt;
-}
-
 JsonObject todoRecord(const grammar::Todo& todo) {
     NoZone clock;
     JsonObject record = recordOf(todo, clock);
@@ -142,7 +138,7 @@ constexpr std::array classifyParams{Param{"line"}, Param{"settings"}};
 constexpr std::array lineParams{Param{"line"}};
 constexpr std::array actionParams{Param{"line"}, Param{"action"}};
 
-constexpr std::array rows{
+constexpr std::array lineMethodRows{
     RpcMethod{"parse", parseParams, parse},
     RpcMethod{"classify", classifyParams, classify},
     RpcMethod{"disassemble", lineParams, disassemble},
@@ -155,7 +151,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const RpcMethod> lineMethods() {
-    return rows;
+    return lineMethodRows;
 }
 
 }  // namespace tessaly::cli

@@ -72,7 +72,7 @@ constexpr std::array calendarNameParams{Param{"day"}, Param{"now"}};
 constexpr std::array newTaskPrefixParams{Param{"number"}, Param{"settings"}};
 constexpr std::array writeDateParams{Param{"time"}, Param{"with"}, Param{"clock"}};
 
-constexpr std::array rows{
+constexpr std::array nameMethodRows{
     RpcMethod{"fileName", fileNameParams, fileName},
     RpcMethod{"uniqueName", uniqueNameParams, uniqueName},
     RpcMethod{"calendarName", calendarNameParams, calendarName},
@@ -83,7 +83,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const RpcMethod> nameMethods() {
-    return rows;
+    return nameMethodRows;
 }
 
 }  // namespace tessaly::cli

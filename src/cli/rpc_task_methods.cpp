@@ -110,7 +110,7 @@ constexpr std::array scheduleParams{Param{"line"}, Param{"day"}, Param{"sourceDa
 constexpr std::array repeatParams{Param{"line"}, Param{"lines"}, Param{"day"},
                                   Param{"unit"}, Param{"count"}, Param{"settings"}};
 
-constexpr std::array rows{
+constexpr std::array taskMethodRows{
     RpcMethod{"complete", completeParams, complete},
     RpcMethod{"cancel", cancelParams, cancel},
     RpcMethod{"reopen", reopenParams, reopen},
@@ -121,7 +121,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const RpcMethod> taskMethods() {
-    return rows;
+    return taskMethodRows;
 }
 
 }  // namespace tessaly::cli

@@ -121,7 +121,7 @@ constexpr std::array deleteRangeParams{Param{"content"}, Param{"range"}, Param{"
 constexpr std::array noteModelParams{Param{"filename"}, Param{"type"}, Param{"content"},
                                      Param{"settings"}};
 
-constexpr std::array rows{
+constexpr std::array textMethodRows{
     RpcMethod{"mark", markParams, mark},
     RpcMethod{"addText", addTextParams, addText},
     RpcMethod{"deleteRange", deleteRangeParams, deleteRange},
@@ -131,7 +131,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const RpcMethod> textMethods() {
-    return rows;
+    return textMethodRows;
 }
 
 }  // namespace tessaly::cli

@@ -12,6 +12,7 @@
 #include "base/localisation.h"
 #include "base/log.h"
 #include "cli/context.h"
+#include "cli/desktop_program.h"
 #include "cli/documents.h"
 #include "cli/help.h"
 #include "cli/safe_text.h"
@@ -150,7 +151,7 @@ std::optional<Exit> runWithoutServices(const Invocation& invocation, Output& out
                                              : verbHelpText(*invocation.verb, terminal));
         return Exit::done;
     }
-    return std::nullopt;
+    return wantsWindow(invocation) ? runDesktopProgram() : std::nullopt;
 }
 
 Exit run(app::Services& services, const Invocation& invocation, Output& out,

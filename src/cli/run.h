@@ -10,8 +10,8 @@
 
 namespace tessaly::cli {
 
-/// Prints what needs no data: help, the version, a document. Nothing when `invocation` asks for
-/// none of them.
+/// Does what needs no data here: prints help, the version or a document, or runs the window.
+/// Nothing when `invocation` asks for none of them, or the window cannot be had.
 std::optional<Exit> runWithoutServices(const Invocation& invocation, Output& out);
 
 /// Brings the program up and carries the verb out; without one, prints today. `cancelled` becomes

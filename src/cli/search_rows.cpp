@@ -73,7 +73,7 @@ Spans titleOf(const SearchResultItem& row, const Terminal& terminal) {
     return spans;
 }
 
-Spans contentOf(const SearchResultItem& row, const Terminal& terminal) {
+Spans foundContentOf(const SearchResultItem& row, const Terminal& terminal) {
     if (row.type == SearchResultType::note && !row.lineIndex) {
         return titleOf(row, terminal);
     }
@@ -104,7 +104,7 @@ void printInTerminal(Context& context, const SearchResultItem& row) {
     const Span sign = signOf(row.lineType, context.terminal);
     left.push_back(hasSign(row) ? sign : Span{Style::plain, std::string(widthOf({sign}), ' ')});
     left.push_back({Style::plain, " "});
-    append(left, contentOf(row, context.terminal));
+    append(left, foundContentOf(row, context.terminal));
     const Spans right{{Style::dim, shortAddressOf(context, placeOf(row))}};
     context.out.line(drawn(withRightPart(left, right, context.terminal), context.terminal));
 }
@@ -114,7 +114,7 @@ void printPlain(Context& context, const SearchResultItem& row) {
     if (hasSign(row)) {
         append(line, {signOf(row.lineType, context.terminal), {Style::plain, " "}});
     }
-    append(line, contentOf(row, context.terminal));
+    append(line, foundContentOf(row, context.terminal));
     context.out.line(drawn(line, context.terminal));
 }
 
@@ -122,13 +122,13 @@ std::optional<std::size_t> lineNumber(const SearchResultItem& row) {
     return row.lineIndex ? std::optional(*row.lineIndex + 1) : std::nullopt;
 }
 
-JsonObject recordOf(const SearchResultItem& row) {
+JsonObject foundRecord(const SearchResultItem& row) {
     const auto day = isTaskRow(row) ? search::dayOfTask(row.title, row.day) : row.day;
     JsonObject object;
     object.add("type", base::rawValue(row.type))
         .add("title", row.title)
         .add("content", row.content)
-        .add("highlight", cli::recordOf(row.highlightRange))
+        .add("highlight", recordOf(row.highlightRange))
         .add("path", row.filename.empty() ? std::nullopt : std::optional(pathOf(row)))
         .add("line", lineNumber(row))
         .add("state", isTaskRow(row) ? std::optional(base::rawValue(row.lineType)) : std::nullopt)
@@ -172,7 +172,7 @@ void printResults(Context& context, const search::SearchResults& results) {
             continue;
         }
         if (isJson) {
-            context.out.line(recordOf(row).text());
+            context.out.line(foundRecord(row).text());
         } else {
             printPlain(context, row);
         }

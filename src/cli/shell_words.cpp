@@ -5,7 +5,7 @@
 
 namespace tessaly::cli {
 
-std::string quoted(std::string_view text) {
+std::string shellQuoted(std::string_view text) {
     std::string word = "'";
     for (const char c : text) {
         word += c == '\'' ? std::string{R"('\'')"} : std::string(1, c);
@@ -28,7 +28,7 @@ bool isPlain(std::string_view word) {
 std::string commandLine(const std::vector<std::string>& words) {
     std::string line;
     for (const std::string& word : words) {
-        line.append(line.empty() ? "" : " ").append(isPlain(word) ? word : quoted(word));
+        line.append(line.empty() ? "" : " ").append(isPlain(word) ? word : shellQuoted(word));
     }
     return line;
 }

@@ -9,7 +9,7 @@ namespace tessaly::cli {
 
 /// `text` in single quotes, as bash, zsh and fish all read it; a quote inside is written so that
 /// each of them takes it for itself.
-std::string quoted(std::string_view text);
+std::string shellQuoted(std::string_view text);
 
 /// A command as it may be typed, with quotes only around words that need them.
 std::string commandLine(const std::vector<std::string>& words);

@@ -27,37 +27,39 @@ using What = TaskChange::What;
 /// What a change is told of.
 enum class About { line, note };
 
-struct Wording {
+struct ChangeWording {
     What what;
     About about;
     std::string_view name;  // for programs
     const char* text;       // {0} is the place, {1} the day
 };
 
-constexpr std::array wordings{
-    Wording{What::completed, About::line, "completed", N_("Completed {0}")},
-    Wording{What::cancelled, About::line, "cancelled", N_("Cancelled {0}")},
-    Wording{What::reopened, About::line, "reopened", N_("Reopened {0}")},
-    Wording{What::scheduled, About::line, "scheduled", N_("Scheduled to {1}: {0}")},
-    Wording{What::copied, About::line, "copied", N_("Copied to {0}")},
-    Wording{What::removedCopy, About::line, "removedCopy", N_("Removed the earlier copy {0}")},
-    Wording{What::leftCopy, About::note, "leftCopy",
-            N_("Left the earlier copy in {0}: it was changed, or there are several")},
-    Wording{What::repeated, About::line, "repeated", N_("Repeated in {0}")},
-    Wording{What::deleted, About::line, "deleted", N_("Deleted {0}")},
-    Wording{What::archived, About::line, "archived", N_("Archived {0}")},
-    Wording{What::alreadyDone, About::line, "alreadyDone", N_("Done already: {0}")},
-    Wording{What::alreadyCancelled, About::line, "alreadyCancelled", N_("Cancelled already: {0}")},
-    Wording{What::alreadyOpen, About::line, "alreadyOpen", N_("Open already: {0}")},
-    Wording{What::alreadyScheduled, About::line, "alreadyScheduled",
-            N_("Scheduled to {1} already: {0}")},
-    Wording{What::nothingToArchive, About::note, "nothingToArchive",
-            N_("Nothing to archive in {0}")},
+constexpr std::array changeWordings{
+    ChangeWording{What::completed, About::line, "completed", N_("Completed {0}")},
+    ChangeWording{What::cancelled, About::line, "cancelled", N_("Cancelled {0}")},
+    ChangeWording{What::reopened, About::line, "reopened", N_("Reopened {0}")},
+    ChangeWording{What::scheduled, About::line, "scheduled", N_("Scheduled to {1}: {0}")},
+    ChangeWording{What::copied, About::line, "copied", N_("Copied to {0}")},
+    ChangeWording{What::removedCopy, About::line, "removedCopy",
+                  N_("Removed the earlier copy {0}")},
+    ChangeWording{What::leftCopy, About::note, "leftCopy",
+                  N_("Left the earlier copy in {0}: it was changed, or there are several")},
+    ChangeWording{What::repeated, About::line, "repeated", N_("Repeated in {0}")},
+    ChangeWording{What::deleted, About::line, "deleted", N_("Deleted {0}")},
+    ChangeWording{What::archived, About::line, "archived", N_("Archived {0}")},
+    ChangeWording{What::alreadyDone, About::line, "alreadyDone", N_("Done already: {0}")},
+    ChangeWording{What::alreadyCancelled, About::line, "alreadyCancelled",
+                  N_("Cancelled already: {0}")},
+    ChangeWording{What::alreadyOpen, About::line, "alreadyOpen", N_("Open already: {0}")},
+    ChangeWording{What::alreadyScheduled, About::line, "alreadyScheduled",
+                  N_("Scheduled to {1} already: {0}")},
+    ChangeWording{What::nothingToArchive, About::note, "nothingToArchive",
+                  N_("Nothing to archive in {0}")},
 };
 
-const Wording& wordingOf(What what) {
-    const auto row = std::find_if(wordings.begin(), wordings.end(),
-                                  [what](const Wording& one) { return one.what == what; });
+const ChangeWording& changeWordingOf(What what) {
+    const auto row = std::find_if(changeWordings.begin(), changeWordings.end(),
+                                  [what](const ChangeWording& one) { return one.what == what; });
     return *row;
 }
 
@@ -72,8 +74,8 @@ store::NoteTask taskAt(const tasks::NoteName& note, std::size_t lineIndex) {
     return task;
 }
 
-std::string lineOf(Context& context, const TaskChange& change) {
-    const Wording& wording = wordingOf(change.what);
+std::string changeLine(Context& context, const TaskChange& change) {
+    const ChangeWording& wording = changeWordingOf(change.what);
     const bool hasLine = wording.about == About::line;
     if (context.invocation.json) {
         JsonObject object =
@@ -91,7 +93,7 @@ std::string lineOf(Context& context, const TaskChange& change) {
     return drawnChange(context, words, hasLine ? change.line : "");
 }
 
-void complainOf(Context& context, const tasks::TaskOutcome& outcome) {
+void complainOfRefusals(Context& context, const tasks::TaskOutcome& outcome) {
     for (const tasks::TaskRefusal& refusal : outcome.refusals) {
         (void)couldNot(context, refusal.failure);
     }
@@ -109,11 +111,11 @@ ChangeReport reportOn(Context& context, const base::Result<tasks::TaskOutcome>& 
     if (!outcome) {
         return {couldNot(context, outcome.failure()), {}};
     }
-    complainOf(context, *outcome);
+    complainOfRefusals(context, *outcome);
     ChangeReport report;
     report.exit = outcome->refusals.empty() ? Exit::done : Exit::couldNot;
     for (const TaskChange& change : outcome->changes) {
-        report.lines.push_back(lineOf(context, change));
+        report.lines.push_back(changeLine(context, change));
     }
     return report;
 }

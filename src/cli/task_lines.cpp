@@ -24,7 +24,7 @@ struct StateSign {
     const char* box;
 };
 
-constexpr std::array signs{
+constexpr std::array stateSigns{
     StateSign{TodoType::open, Style::open, "○", "[ ]"},
     StateSign{TodoType::done, Style::done, "✓", "[x]"},
     StateSign{TodoType::cancelled, Style::cancelled, "✗", "[-]"},
@@ -32,9 +32,9 @@ constexpr std::array signs{
 };
 
 const StateSign& rowOf(TodoType type) {
-    const auto row = std::find_if(signs.begin(), signs.end(),
+    const auto row = std::find_if(stateSigns.begin(), stateSigns.end(),
                                   [type](const StateSign& sign) { return sign.type == type; });
-    return row == signs.end() ? signs.front() : *row;
+    return row == stateSigns.end() ? stateSigns.front() : *row;
 }
 
 Style textStyle(TodoType type) {

@@ -88,7 +88,7 @@ std::string timeWords(Context& context, const Operation& operation) {
     return fmt::format("{} {}", words.dateWithYear(time.day), words.time(time));
 }
 
-std::string recordOf(const Operation& operation, std::size_t number) {
+std::string operationRecord(const Operation& operation, std::size_t number) {
     std::vector<std::string> notes;
     for (const NoteName& note : notesOf(operation)) {
         notes.push_back(fmt::format("{}/{}", base::folderName(note.type), note.filename));
@@ -182,7 +182,7 @@ void printOperations(Context& context, const std::vector<Operation>& operations)
     const Widths widths = widthsOf(context, operations);
     for (std::size_t index = 0; index < operations.size(); ++index) {
         const Operation& operation = operations[index];
-        context.out.line(context.invocation.json ? recordOf(operation, index + 1)
+        context.out.line(context.invocation.json ? operationRecord(operation, index + 1)
                                                  : rowOf(context, operation, index + 1, widths));
     }
 }

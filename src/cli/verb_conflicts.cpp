@@ -42,7 +42,7 @@ void printRecords(Context& context, const app::ConflictedNote& note) {
     }
 }
 
-Exit listAll(Context& context) {
+Exit listAllConflicts(Context& context) {
     const app::Conflicts conflicts = app::listConflicts(context.services, context.readOptions());
     if (!isComplete(context, conflicts.report)) {
         return Exit::couldNot;
@@ -71,7 +71,7 @@ std::string hintFor(const app::ConflictedNote& note) {
                        commandLine({"tessaly", "resolve", name, "--keep"}) + " N");
 }
 
-Exit showOne(Context& context) {
+Exit showOneConflict(Context& context) {
     const auto note = app::conflictOf(context.services, context.invocation.arguments.front(),
                                       context.readOptions());
     context.progress.erase();
@@ -105,7 +105,8 @@ Exit showOne(Context& context) {
 }  // namespace
 
 Exit runConflicts(Context& context) {
-    return context.invocation.arguments.empty() ? listAll(context) : showOne(context);
+    return context.invocation.arguments.empty() ? listAllConflicts(context)
+                                                : showOneConflict(context);
 }
 
 }  // namespace tessaly::cli

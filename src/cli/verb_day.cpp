@@ -62,14 +62,14 @@ bool isEmpty(const app::DayView& view) {
 }
 
 /// In a terminal, a day beside today is also called by its name.
-Span nameOf(Context& context, const app::DayView& view) {
+Span shownName(Context& context, const app::DayView& view) {
     const int distance = base::daysBetween(context.services.today(), view.day);
     const bool isNear = distance >= -1 && distance <= 1;
     return {Style::dim, context.terminal.isTerminal && isNear ? "  " + view.name : ""};
 }
 
 void printDay(Context& context, const app::DayView& view) {
-    printStyled(context, {{Style::heading, view.heading}, nameOf(context, view)});
+    printStyled(context, {{Style::heading, view.heading}, shownName(context, view)});
     printSections(context, view);
     if (isEmpty(view)) {
         printStyled(context, {{Style::dim, "  " + tr("No tasks.")}});

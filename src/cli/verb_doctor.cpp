@@ -23,21 +23,21 @@ struct LevelSign {
     const char* asciiSign;
 };
 
-constexpr std::array signs{
+constexpr std::array levelSigns{
     LevelSign{Style::done, "✓", "+"},
     LevelSign{Style::scheduled, "•", "*"},
     LevelSign{Style::warning, "!", "!"},
 };
 
-const LevelSign& signOf(const app::Finding& finding) {
-    return signs[static_cast<std::size_t>(finding.level)];
+const LevelSign& levelSignOf(const app::Finding& finding) {
+    return levelSigns[static_cast<std::size_t>(finding.level)];
 }
 
 constexpr std::size_t indent = 2;
 
 /// The text is broken into lines behind the sign.
 void printText(Context& context, const app::Finding& finding) {
-    const LevelSign& row = signOf(finding);
+    const LevelSign& row = levelSignOf(finding);
     const Span sign{row.style, context.terminal.isUtf8 ? row.sign : row.asciiSign};
     const std::string lines = wrapped(safeText(finding.text), indent, context.terminal.columns);
     context.out.write(drawn({sign, {Style::plain, " "}}, context.terminal));
@@ -66,7 +66,7 @@ void printInTerminal(Context& context, const app::Finding& finding, const app::F
 }
 
 void printLine(Context& context, const app::Finding& finding) {
-    Spans line{{signOf(finding).style, fmt::format("{:<7}", levelName(finding.level))},
+    Spans line{{levelSignOf(finding).style, fmt::format("{:<7}", levelName(finding.level))},
                {Style::plain, "  " + safeText(finding.text)}};
     for (const std::string& text : {safeText(finding.path), commandOf(finding)}) {
         if (!text.empty()) {

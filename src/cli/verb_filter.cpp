@@ -36,7 +36,7 @@ void printRecord(Context& context, const std::string& name, const Filter& filter
     context.out.line(JsonObject{}.add("name", name).add("items", filterRecords(filter)).text());
 }
 
-Exit showOne(Context& context) {
+Exit showOneFilter(Context& context) {
     const std::string& name = context.invocation.arguments[1];
     const auto filter = context.services.filterHelper().load(name);
     if (!filter) {
@@ -107,7 +107,7 @@ struct FilterChange {
     std::string words;
     std::string asked = {};  // the name that the filter was to have
 };
-using Change = std::function<FilterChange(search::FilterHelper filters)>;
+using ChangeFilters = std::function<FilterChange(search::FilterHelper filters)>;
 
 /// A file of filters as it would be shown: its bytes are not for people.
 std::string readable(const std::string& bytes) {
@@ -122,7 +122,7 @@ std::string readable(const std::string& bytes) {
     return text;
 }
 
-Exit pretend(Context& context, const Change& change) {
+Exit pretend(Context& context, const ChangeFilters& change) {
     std::vector<app::FileChange> changes;
     std::optional<base::Failure> failure;
     {
@@ -152,7 +152,7 @@ std::string wordsOf(const FilterChange& done) {
     return fmt::format(fmt::runtime(done.words), told);
 }
 
-Exit make(Context& context, const Change& change) {
+Exit make(Context& context, const ChangeFilters& change) {
     if (context.invocation.has("--dry-run")) {
         return pretend(context, change);
     }
@@ -202,9 +202,9 @@ Exit deleteFilter(Context& context) {
     });
 }
 
-constexpr std::array actions{
+constexpr std::array filterActions{
     VerbAction{"list", "", 1, 1, "", listFilters},
-    VerbAction{"show", "NAME", 2, 2, "", showOne},
+    VerbAction{"show", "NAME", 2, 2, "", showOneFilter},
     VerbAction{"save", "NAME", 2, 2, "--state --kind --timeframe --from --to --keyword --dry-run",
                saveFilter},
     VerbAction{"rename", "NAME NEW", 3, 3, "--dry-run", renameFilter},
@@ -215,10 +215,10 @@ constexpr std::array actions{
 
 Exit runFilter(Context& context) {
     const auto& arguments = context.invocation.arguments;
-    const auto action = std::find_if(actions.begin(), actions.end(), [&](const VerbAction& row) {
-        return row.name == arguments.front();
-    });
-    const auto misuse = action == actions.end()
+    const auto action =
+        std::find_if(filterActions.begin(), filterActions.end(),
+                     [&](const VerbAction& row) { return row.name == arguments.front(); });
+    const auto misuse = action == filterActions.end()
                             ? fmt::format(fmt::runtime(tr("{} needs {}")), "filter",
                                           context.invocation.verb->synopsis)
                             : misuseOf(*action, context.invocation);

@@ -52,7 +52,7 @@ Exit listTexts(Context& context, std::size_t noteArgument) {
     return Exit::done;
 }
 
-Exit listAll(Context& context) {
+Exit listAllHistory(Context& context) {
     return listTexts(context, 0);
 }
 
@@ -135,17 +135,17 @@ Exit clearTexts(Context& context) {
     return Exit::done;
 }
 
-constexpr std::array actions{
+constexpr std::array historyActions{
     VerbAction{"show", "ID", 2, 2, "", showText},
     VerbAction{"restore", "ID", 2, 2, "--to --dry-run", restoreText},
     VerbAction{"clear", "[NOTE]", 1, 2, "--yes --dry-run", clearTexts},
-    VerbAction{"", "[NOTE]", 0, 1, "", listAll},
+    VerbAction{"", "[NOTE]", 0, 1, "", listAllHistory},
 };
 
 const VerbAction& actionOf(const std::vector<std::string>& arguments) {
-    const auto named = std::find_if(actions.begin(), actions.end() - 1, [&](const VerbAction& row) {
-        return !arguments.empty() && row.name == arguments.front();
-    });
+    const auto named = std::find_if(
+        historyActions.begin(), historyActions.end() - 1,
+        [&](const VerbAction& row) { return !arguments.empty() && row.name == arguments.front(); });
     return *named;
 }
 

@@ -23,7 +23,7 @@ namespace {
 
 using base::tr;
 
-app::NoteScope wantedScope(const Invocation& invocation) {
+app::NoteScope listScope(const Invocation& invocation) {
     if (invocation.has("--all")) {
         return app::NoteScope::all;
     }
@@ -128,7 +128,7 @@ void printRow(Context& context, const app::NoteRow& row) {
 
 Exit runList(Context& context) {
     const std::string folder = context.invocation.value("--folder");
-    const app::NoteRows notes = app::listNotes(context.services, wantedScope(context.invocation),
+    const app::NoteRows notes = app::listNotes(context.services, listScope(context.invocation),
                                                folder, context.readOptions());
     if (!isComplete(context, notes.report)) {
         return Exit::couldNot;

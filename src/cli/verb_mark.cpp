@@ -64,11 +64,6 @@ Result<MarkPlace> placeFrom(const Invocation& invocation) {
     return place;
 }
 
-Exit misuse(const Failure& failure) {
-    complain(failure.description);
-    return Exit::misuse;
-}
-
 /// Nothing is printed before it is known that all went well: the output takes the place of the
 /// user's text.
 Exit mark(Context& context, MarkAction action, const MarkPlace& place) {
@@ -98,10 +93,10 @@ Exit mark(Context& context, MarkAction action, const MarkPlace& place) {
 Exit runMark(Context& context) {
     const auto action = actionFrom(context.invocation.arguments.front());
     if (!action) {
-        return misuse(action.failure());
+        return misuse(action.failure().description);
     }
     const auto place = placeFrom(context.invocation);
-    return place ? mark(context, *action, *place) : misuse(place.failure());
+    return place ? mark(context, *action, *place) : misuse(place.failure().description);
 }
 
 }  // namespace tessaly::cli

@@ -13,6 +13,7 @@
 #include "cli/text_records.h"
 #include "cli/verb_functions.h"
 #include "grammar/todo_helper.h"
+#include "host/program_host.h"
 #include "store/note_document.h"
 
 namespace tessaly::cli {
@@ -24,7 +25,7 @@ std::string notePath(const std::string& argument) {
     if (argument == "-") {
         return {};
     }
-    const std::string path = absolutePath(argument);
+    const std::string path = host::absolutePath(argument);
     const std::size_t slash = path.rfind('/');
     const std::size_t before = slash == 0 ? std::string::npos : path.rfind('/', slash - 1);
     if (before == std::string::npos) {

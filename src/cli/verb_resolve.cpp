@@ -97,7 +97,7 @@ std::vector<std::string> wordsOf(Context& context, const app::Resolved& resolved
     return lines;
 }
 
-std::string recordOf(const app::Resolved& resolved) {
+std::string resolvedRecord(const app::Resolved& resolved) {
     JsonObject object;
     object.add("did", resolved.kept == merge ? "merged" : "kept")
         .add("type", base::rawValue(resolved.note.type))
@@ -122,8 +122,8 @@ ChangeReport report(Context& context, const app::Resolved& resolved) {
                          safeText(nameOf(resolved.note))));
         return {Exit::couldNot, {}};
     }
-    return {Exit::done,
-            context.invocation.json ? std::vector{recordOf(resolved)} : wordsOf(context, resolved)};
+    return {Exit::done, context.invocation.json ? std::vector{resolvedRecord(resolved)}
+                                                : wordsOf(context, resolved)};
 }
 
 ChangeReport resolve(Context& context, app::Services& services, Wish wish) {

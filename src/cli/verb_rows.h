@@ -5,6 +5,7 @@
 #include <span>
 #include <string_view>
 
+#include "base/localisation.h"
 #include "cli/verbs.h"
 
 namespace tessaly::cli {
@@ -26,5 +27,8 @@ inline constexpr std::size_t manyArguments = 1000;
 
 /// Days that are completed by their words.
 inline constexpr std::string_view dayWords = "today tomorrow yesterday";
+
+inline constexpr OptionRow dryRunOption{
+    "--dry-run", nullptr, base::N_("change nothing, and print what would change in the files")};
 
 }  // namespace tessaly::cli

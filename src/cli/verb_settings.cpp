@@ -125,7 +125,7 @@ struct Action {
     Exit (*run)(Context& context);
 };
 
-constexpr std::array actions{
+constexpr std::array settingsActions{
     Action{"list", 1, listSettings},
     Action{"get", 2, getSetting},
     Action{"set", 3, setSetting},
@@ -136,10 +136,11 @@ constexpr std::array actions{
 
 Exit runSettings(Context& context) {
     const auto& arguments = context.invocation.arguments;
-    const auto action = std::find_if(actions.begin(), actions.end(), [&](const Action& row) {
-        return row.name == arguments.front() && row.arguments == arguments.size();
-    });
-    if (action == actions.end()) {
+    const auto action =
+        std::find_if(settingsActions.begin(), settingsActions.end(), [&](const Action& row) {
+            return row.name == arguments.front() && row.arguments == arguments.size();
+        });
+    if (action == settingsActions.end()) {
         complain(fmt::format(fmt::runtime(tr("{} needs {}")), context.invocation.verb->name,
                              context.invocation.verb->synopsis));
         return Exit::misuse;

@@ -36,7 +36,7 @@ void gatherRows(const SideBarItem::Rows& rows, Below wanted,
     }
 }
 
-JsonObject recordOf(const SideBarItem& row) {
+JsonObject sideBarRecord(const SideBarItem& row) {
     JsonObject record;
     record.add("type", base::rawValue(row.type))
         .add("text", row.text)
@@ -129,7 +129,7 @@ Exit runSideBar(Context& context) {
     gatherRows(view.sideBar->items(), below, rows);
     if (context.invocation.json) {
         for (const SideBarItem* row : rows) {
-            context.out.line(recordOf(*row).text());
+            context.out.line(sideBarRecord(*row).text());
         }
     } else {
         Tree(context, rows, below).print();

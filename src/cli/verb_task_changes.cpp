@@ -23,11 +23,6 @@ namespace {
 using base::tr;
 using tasks::TaskOperations;
 
-Exit misuse(const std::string& words) {
-    complain(words);
-    return Exit::misuse;
-}
-
 app::TaskRequest requestOf(const Invocation& invocation, std::size_t names) {
     const auto first = invocation.arguments.begin();
     app::TaskRequest request{{first, first + static_cast<std::ptrdiff_t>(names)}, std::nullopt};
@@ -83,7 +78,7 @@ Exit deleteLines(Context& context) {
 }
 
 /// Nothing: no number that is allowed.
-std::optional<int> countIn(const std::string& text) {
+std::optional<int> repeatCountIn(const std::string& text) {
     int count = -1;
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, count);
@@ -100,7 +95,7 @@ Exit repeatLines(Context& context) {
     if (!interval) {
         return misuse(tr("--every is day, week, month, quarter or year"));
     }
-    const auto count = countIn(invocation.value("--times"));
+    const auto count = repeatCountIn(invocation.value("--times"));
     if (!count) {
         return misuse(fmt::format(fmt::runtime(tr("--times is a number from 0 to {}")),
                                   TaskOperations::maxRepeats));

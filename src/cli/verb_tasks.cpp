@@ -19,7 +19,7 @@ namespace {
 
 using base::tr;
 
-app::NoteScope wantedScope(const Invocation& invocation) {
+app::NoteScope taskScope(const Invocation& invocation) {
     if (invocation.has("--calendar")) {
         return app::NoteScope::calendar;
     }
@@ -56,7 +56,7 @@ Exit runTasks(Context& context) {
     if (!states) {
         return Exit::misuse;
     }
-    const app::TaskRows rows = app::listTasks(context.services, wantedScope(context.invocation),
+    const app::TaskRows rows = app::listTasks(context.services, taskScope(context.invocation),
                                               *states, context.readOptions());
     if (!isComplete(context, rows.report)) {
         return Exit::couldNot;

@@ -35,7 +35,7 @@ struct EditWords {
 constexpr EditWords restored{"restored", N_("Restored {0}")};
 constexpr EditWords removed{"removed", N_("Removed {0}")};
 
-std::string lineOf(Context& context, const NoteName& note, const LineEdit& edit) {
+std::string editLine(Context& context, const NoteName& note, const LineEdit& edit) {
     const bool isGone = edit.kind == LineEdit::Kind::remove;
     const EditWords& words = isGone ? removed : restored;
     const std::size_t index = isGone ? edit.index : edit.newIndex;
@@ -85,7 +85,7 @@ void addLines(Context& context, const app::UndoneOperation& one, ChangeReport& r
     for (const tasks::NoteStep& step : one.undone.steps) {
         for (const LineEdit& edit : step.edits) {
             if (context.invocation.json || isWorthTelling(step, edit)) {
-                report.lines.push_back(lineOf(context, {step.type, step.filename}, edit));
+                report.lines.push_back(editLine(context, {step.type, step.filename}, edit));
             }
         }
     }
@@ -133,7 +133,7 @@ Exit listOperations(Context& context, std::size_t most) {
 }
 
 /// Nothing: no number from 1.
-std::optional<std::size_t> countIn(const std::string& text) {
+std::optional<std::size_t> operationCountIn(const std::string& text) {
     std::size_t count = 0;
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, count);
@@ -145,7 +145,7 @@ std::optional<std::size_t> countIn(const std::string& text) {
 
 Exit runUndo(Context& context) {
     const auto& arguments = context.invocation.arguments;
-    const auto count = arguments.empty() ? std::nullopt : countIn(arguments.front());
+    const auto count = arguments.empty() ? std::nullopt : operationCountIn(arguments.front());
     if (!arguments.empty() && !count) {
         complain(fmt::format(fmt::runtime(tr("“{}” is no number of changes, from 1")),
                              safeText(arguments.front())));

@@ -12,7 +12,7 @@ namespace {
 
 using base::N_;
 
-constexpr std::string_view actions =
+constexpr std::string_view markActions =
     "bold italic link inlineCode heading1 heading2 heading3 heading4 todo numberedTodo "
     "unorderedList orderedList markAsDone markAsScheduled markAsCanceled shiftRight shiftLeft "
     "moveUp moveDown quote";
@@ -20,12 +20,12 @@ constexpr std::string_view actions =
 constexpr bool namesAllActions() {
     std::size_t letters = 0;
     for (const auto& row : base::EnumNames<editor::MarkAction>::rows) {
-        if (actions.find(row.text) == actions.npos) {
+        if (markActions.find(row.text) == markActions.npos) {
             return false;
         }
         letters += row.text.size() + 1;
     }
-    return letters == actions.size() + 1;
+    return letters == markActions.size() + 1;
 }
 static_assert(namesAllActions());
 
@@ -56,12 +56,12 @@ constexpr std::array rpcExamples{
                N_("what kind of line it is")},
 };
 
-constexpr std::array rows{
+constexpr std::array editingRows{
     VerbRow{"mark",
             "ACTION",
             1,
             1,
-            {Completion::words, actions},
+            {Completion::words, markActions},
             N_("A command of the editor on standard input"),
             N_("Reads a text from standard input, runs a command on what is selected in it, and "
                "prints the whole new text. Without --lines or --select, everything is selected. "
@@ -99,7 +99,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> editingVerbs() {
-    return rows;
+    return editingRows;
 }
 
 }  // namespace tessaly::cli

@@ -41,7 +41,7 @@ constexpr std::array filterExamples{
     ExampleRow{"tessaly search --filter Week", N_("search with it")},
 };
 
-constexpr std::array rows{
+constexpr std::array filterRows{
     VerbRow{"filter",
             "list | show NAME | save NAME | rename NAME NEW | delete NAME",
             1,
@@ -70,7 +70,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> filterVerbs() {
-    return rows;
+    return filterRows;
 }
 
 }  // namespace tessaly::cli

@@ -28,7 +28,7 @@ constexpr std::array indexExamples{
     ExampleRow{"tessaly index", N_("make the next start quick")},
 };
 
-constexpr std::array rows{
+constexpr std::array otherRows{
     VerbRow{"parse",
             "FILE",
             1,
@@ -87,7 +87,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> otherVerbs() {
-    return rows;
+    return otherRows;
 }
 
 }  // namespace tessaly::cli

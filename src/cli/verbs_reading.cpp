@@ -90,7 +90,7 @@ constexpr std::array conflictsExamples{
     ExampleRow{"tessaly conflicts today", N_("how the versions of today's note differ")},
 };
 
-constexpr std::array rows{
+constexpr std::array readingRows{
     VerbRow{"today",
             "",
             0,
@@ -243,7 +243,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> readingVerbs() {
-    return rows;
+    return readingRows;
 }
 
 }  // namespace tessaly::cli

@@ -31,7 +31,7 @@ constexpr std::array openExamples{
     ExampleRow{"tessaly open Work/Plans:12", N_("a line that search has found")},
 };
 
-constexpr std::array rows{
+constexpr std::array searchRows{
     VerbRow{"search",
             "[QUERY...]",
             0,
@@ -71,7 +71,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> searchVerbs() {
-    return rows;
+    return searchRows;
 }
 
 }  // namespace tessaly::cli

@@ -15,13 +15,13 @@ constexpr std::array options{
     OptionRow{"--all", nullptr, N_("what is below rows that are not expanded, too")},
 };
 
-constexpr std::array examples{
+constexpr std::array sideBarExamples{
     ExampleRow{"tessaly sidebar", N_("the tree as it was left")},
     ExampleRow{"tessaly sidebar --all --json | jq -r 'select(.type == \"folder\").text'",
                N_("every folder, for a script")},
 };
 
-constexpr std::array rows{
+constexpr std::array sideBarRows{
     VerbRow{
         "sidebar",
         "",
@@ -36,14 +36,14 @@ constexpr std::array rows{
            "expandedSideBarItems keeps which rows are, by their kind and key, separated by commas: "
            "section:Notes, folder:Work/Plans, hashtag:#work."),
         options,
-        examples,
+        sideBarExamples,
         runSideBar},
 };
 
 }  // namespace
 
 std::span<const VerbRow> sideBarVerbs() {
-    return rows;
+    return sideBarRows;
 }
 
 }  // namespace tessaly::cli

@@ -13,22 +13,20 @@ using base::N_;
 
 constexpr ArgumentCompletion notes{Completion::note, dayWords};
 
-constexpr OptionRow dryRun{"--dry-run", nullptr,
-                           N_("change nothing, and print what would change in the files")};
 constexpr OptionRow expect{"--expect", "TEXT",
                            N_("change the line only if it reads TEXT, or TEXT behind marker and "
                               "box; a TEXT that ends in ... tells the beginning alone")};
 
-constexpr std::array stepOptions{expect, dryRun};
+constexpr std::array stepOptions{expect, dryRunOption};
 constexpr std::array repeatOptions{
     OptionRow{"--every", "UNIT", N_("the step: day, week, month, quarter or year"),
               Completion::words, "day week month quarter year", 1},
     OptionRow{"--times", "N", N_("for the next N days, weeks, months, quarters or years")},
     OptionRow{"--delete", nullptr, N_("delete the lines instead"), Completion::nothing, {}, 1},
     OptionRow{"--yes", nullptr, N_("delete: the later repeats too; do not ask")},
-    dryRun,
+    dryRunOption,
 };
-constexpr std::array archiveOptions{dryRun};
+constexpr std::array archiveOptions{dryRunOption};
 constexpr std::array undoOptions{
     OptionRow{"--list",
               nullptr,
@@ -75,7 +73,7 @@ constexpr std::array undoExamples{
     ExampleRow{"tessaly undo --list", N_("what can be undone")},
 };
 
-constexpr std::array rows{
+constexpr std::array taskRows{
     VerbRow{
         "done", "NOTE:LINE...", 1, manyArguments, notes, N_("Mark tasks as done"),
         N_("Gives tasks the box [x] and, with the setting isAppendCompletionLinks, the time, as "
@@ -141,7 +139,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> taskVerbs() {
-    return rows;
+    return taskRows;
 }
 
 }  // namespace tessaly::cli

@@ -11,21 +11,19 @@ namespace {
 
 using base::N_;
 
-constexpr OptionRow dryRun{"--dry-run", nullptr,
-                           N_("change nothing, and print what would change in the files")};
 constexpr std::array newOptions{
     OptionRow{"--folder", "FOLDER", N_("make the note in this folder of general notes")},
     OptionRow{"--text", "TEXT", N_("put TEXT below the title; - is standard input")},
-    dryRun,
+    dryRunOption,
 };
 constexpr std::array addOptions{
     OptionRow{"--to", "NOTE", N_("add to NOTE instead of today's note"), Completion::note},
     OptionRow{"--mode", "MODE",
               N_("append (the default), prepend, or overwrite what the note holds"),
               Completion::words, "append prepend overwrite"},
-    dryRun,
+    dryRunOption,
 };
-constexpr std::array trashOptions{dryRun};
+constexpr std::array trashOptions{dryRunOption};
 constexpr std::array historyOptions{
     OptionRow{"--to", "NOTE", N_("restore: put the text into NOTE instead"), Completion::note},
     OptionRow{"--yes", nullptr, N_("clear: do not ask")},
@@ -36,11 +34,11 @@ constexpr std::array historyOptions{
 constexpr std::array resolveOptions{
     OptionRow{"--keep", "N", N_("keep the version with this number, as conflicts shows it")},
     OptionRow{"--merge", nullptr, N_("join all versions")},
-    dryRun,
+    dryRunOption,
 };
 constexpr std::array migrateOptions{
     OptionRow{"--yes", nullptr, N_("do not ask")},
-    dryRun,
+    dryRunOption,
 };
 
 constexpr std::array newExamples{
@@ -70,7 +68,7 @@ constexpr std::array migrateExamples{
     ExampleRow{"tessaly migrate --dry-run", N_("what would be moved")},
 };
 
-constexpr std::array rows{
+constexpr std::array writingRows{
     VerbRow{
         "new",
         "TITLE",
@@ -167,7 +165,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const VerbRow> writingVerbs() {
-    return rows;
+    return writingRows;
 }
 
 }  // namespace tessaly::cli

@@ -41,8 +41,8 @@ std::string writerOf(const FileVersion& version) {
     return safeText(fmt::format("{} ({})", version.client, device));
 }
 
-constexpr std::size_t columns = 5;
-using Row = std::array<std::string, columns>;
+constexpr std::size_t versionColumns = 5;
+using Row = std::array<std::string, versionColumns>;
 
 Row rowOf(Context& context, const app::ConflictedNote& note, std::size_t index) {
     const FileVersion& version = note.versions[index];
@@ -51,20 +51,21 @@ Row rowOf(Context& context, const app::ConflictedNote& note, std::size_t index) 
             safeText(store::lastComponent(version.url))};
 }
 
-constexpr std::array<bool, columns> isRight{true, true, true, false, false};
+constexpr std::array<bool, versionColumns> isRight{true, true, true, false, false};
 
-std::string padded(const std::string& text, std::size_t width, std::size_t column) {
+std::string paddedCell(const std::string& text, std::size_t width, std::size_t column) {
     const std::string blanks(width - base::terminalWidth(text), ' ');
     return isRight[column] ? blanks + text : text + blanks;
 }
 
-Spans spansOf(const Row& row, const std::array<std::size_t, columns>& widths, bool isCurrent) {
+Spans spansOf(const Row& row, const std::array<std::size_t, versionColumns>& widths,
+              bool isCurrent) {
     Spans spans;
-    for (std::size_t column = 0; column < columns; ++column) {
-        const bool isLast = column + 1 == columns;
+    for (std::size_t column = 0; column < versionColumns; ++column) {
+        const bool isLast = column + 1 == versionColumns;
         const Style style = column == 0 ? Style::date : column < 3 ? Style::dim : Style::plain;
-        spans.push_back(
-            {style, "  " + (isLast ? row[column] : padded(row[column], widths[column], column))});
+        spans.push_back({style, "  " + (isLast ? row[column]
+                                               : paddedCell(row[column], widths[column], column))});
     }
     if (isCurrent) {
         spans.push_back({Style::done, "  " + tr("(as it is now)")});
@@ -86,10 +87,10 @@ std::string dateInWords(Context& context, base::Instant time) {
 
 void printVersions(Context& context, const app::ConflictedNote& note) {
     std::vector<Row> rows;
-    std::array<std::size_t, columns> widths{};
+    std::array<std::size_t, versionColumns> widths{};
     for (std::size_t index = 0; index < note.versions.size(); ++index) {
         const Row& row = rows.emplace_back(rowOf(context, note, index));
-        for (std::size_t column = 0; column < columns; ++column) {
+        for (std::size_t column = 0; column < versionColumns; ++column) {
             widths[column] = std::max(widths[column], base::terminalWidth(row[column]));
         }
     }
