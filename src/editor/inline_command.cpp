@@ -59,11 +59,6 @@ ByteSpan ofWholeCharacters(std::string_view text, ByteSpan selected) {
     return {start, isWhole ? end : end + base::firstGraphemes(text.substr(end), 1).size()};
 }
 
-/// A line without the carriage return that belongs to its break.
-ByteSpan withoutReturn(std::string_view text, ByteSpan line) {
-    return {line.start, line.end - (line.in(text).ends_with('\r') ? 1 : 0)};
-}
-
 /// One selected line, without its break. All places are of the text.
 class Line {
 public:

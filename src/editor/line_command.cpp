@@ -12,6 +12,7 @@
 #include "base/localisation.h"
 #include "base/utf8.h"
 #include "editor/numbering.h"
+#include "editor/selected_lines.h"
 #include "editor/selection_map.h"
 #include "grammar/date_tags.h"
 #include "grammar/line_parts.h"
@@ -30,7 +31,7 @@ constexpr std::size_t longestPrefix = 20 * 1024;
 
 /// Behind what the patterns may read of a line character by character: white space, marker, box,
 /// and the white space of the text behind them.
-std::size_t prefixEnd(std::string_view line) {
+std::size_t headEnd(std::string_view line) {
     std::size_t at = grammar::skipSpace(line, 0);
     auto marker = base::TodoCharacter::asterisk;
     const std::size_t hashes = std::min(line.find_first_not_of('#', at), line.size());
@@ -41,10 +42,10 @@ std::size_t prefixEnd(std::string_view line) {
     return grammar::skipSpace(line, at);
 }
 
-/// No pattern asks for more than what `prefixEnd` passes over, and all templates end in the group
+/// No pattern asks for more than what `headEnd` passes over, and all templates end in the group
 /// that runs on from there. So the rest of a line, however long, need not be searched.
 Result<std::string> rewritten(const LineAction& rules, std::string_view line) {
-    const std::size_t head = prefixEnd(line);
+    const std::size_t head = headEnd(line);
     if (head > longestPrefix) {
         return Failure{Failure::Kind::tooLarge, base::tr("a line is too long for this command")};
     }
@@ -166,10 +167,6 @@ void Rewriting::moveEnd(ByteSpan line, std::string_view after, std::size_t place
     } else if (place >= line.start) {
         moved = _result.size() + _move(line.in(_text), after, place - line.start);
     }
-}
-
-ByteSpan withoutReturn(std::string_view text, ByteSpan line) {
-    return {line.start, line.end - (line.in(text).ends_with('\r') ? 1 : 0)};
 }
 
 }  // namespace

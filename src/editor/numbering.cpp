@@ -17,11 +17,6 @@ namespace {
 
 constexpr std::size_t loggedGraphemes = 200;
 
-std::size_t lineStart(std::string_view text, std::size_t place) {
-    const std::size_t lineBreak = place == 0 ? text.npos : text.rfind('\n', place - 1);
-    return lineBreak == text.npos ? 0 : lineBreak + 1;
-}
-
 /// The digits of the marker that a line's text begins with; empty where it has no number.
 std::string_view numberOf(std::string_view content) {
     auto marker = base::TodoCharacter::asterisk;

@@ -9,10 +9,6 @@ namespace tessaly::editor {
 
 namespace {
 
-std::size_t lineStart(std::string_view text, std::size_t at) {
-    return at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
-}
-
 std::size_t lineEnd(std::string_view text, std::size_t at) {
     return std::min(text.find('\n', at), text.size());
 }
@@ -24,6 +20,14 @@ std::size_t placeOf(std::string_view text, std::size_t units) {
 }
 
 }  // namespace
+
+std::size_t lineStart(std::string_view text, std::size_t at) {
+    return at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+}
+
+ByteSpan withoutReturn(std::string_view text, ByteSpan line) {
+    return {line.start, line.end - (line.in(text).ends_with('\r') ? 1 : 0)};
+}
 
 ByteSpan bytesOf(std::string_view text, base::TextRange range) {
     const std::size_t start = placeOf(text, range.location);

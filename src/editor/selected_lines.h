@@ -26,6 +26,12 @@ ByteSpan bytesOf(std::string_view text, base::TextRange range);
 /// right at a line's start does not touch that line, unless it is empty.
 std::vector<ByteSpan> linesTouched(std::string_view text, ByteSpan selection);
 
+/// Where the line begins that holds byte `at`, or ends there.
+std::size_t lineStart(std::string_view text, std::size_t at);
+
+/// A line without the carriage return that belongs to its break.
+ByteSpan withoutReturn(std::string_view text, ByteSpan line);
+
 /// Whether a line holds nothing but white space.
 bool isBlank(std::string_view line);
 

@@ -10,9 +10,6 @@ namespace tessaly::grammar {
 
 namespace {
 
-constexpr std::size_t dateLength = 10;
-constexpr std::string_view doneOpener = "@done(";
-
 bool isDate(const Mark& mark) {
     return mark.kind == MarkKind::scheduleTag || mark.kind == MarkKind::backLink ||
            mark.kind == MarkKind::plainDate;
@@ -71,7 +68,7 @@ base::LocalTime timeOf(base::Day day, std::string_view text) {
 }  // namespace
 
 std::optional<base::Day> DateTags::dayOf(std::string_view mark) {
-    return base::dayFromTagText(mark.substr(mark.size() - dateLength));
+    return base::dayFromTagText(mark.substr(mark.size() - tagDateLength));
 }
 
 std::vector<DateTag> DateTags::findDateTags(std::string_view line) {
@@ -79,7 +76,7 @@ std::vector<DateTag> DateTags::findDateTags(std::string_view line) {
     eachMark(line, isDate, [&](const Mark& mark, base::TextRange range) {
         const std::string_view text = textOf(line, mark);
         tags.push_back(
-            {mark.kind, range, std::string(text.substr(text.size() - dateLength)), dayOf(text)});
+            {mark.kind, range, std::string(text.substr(text.size() - tagDateLength)), dayOf(text)});
     });
     return tags;
 }
@@ -95,9 +92,9 @@ std::string DateTags::removeDateTags(std::string_view line) {
 
 DoneTag DateTags::readDoneTag(std::string_view mark) {
     const std::size_t date = mark.find(doneOpener) + doneOpener.size();
-    const std::string_view behind = mark.substr(date + dateLength);
+    const std::string_view behind = mark.substr(date + tagDateLength);
     DoneTag tag;
-    tag.dateText = mark.substr(date, dateLength);
+    tag.dateText = mark.substr(date, tagDateLength);
     tag.day = base::dayFromTagText(tag.dateText);
     if (behind.size() > 1) {
         tag.timeText = behind.substr(1, behind.size() - 2);

@@ -10,10 +10,6 @@ namespace {
 
 using base::TodoCharacter;
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 /// The first bytes of the line terminators in UTF-8. None of them continues another character.
 bool mayBeginTerminator(char c) {
     return (c >= '\n' && c <= '\r') || c == '\xC2' || c == '\xE2';

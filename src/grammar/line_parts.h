@@ -17,6 +17,10 @@ inline char charAt(std::string_view line, std::size_t place) {
     return place < line.size() ? line[place] : '\0';
 }
 
+inline bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 /// The first place from `place` on that holds no white space.
 std::size_t skipSpace(std::string_view line, std::size_t place);
 

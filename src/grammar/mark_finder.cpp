@@ -3,18 +3,13 @@
 
 #include "base/utf8.h"
 #include "grammar/char_classes.h"
+#include "grammar/line_parts.h"
 
 namespace tessaly::grammar {
 
 namespace {
 
-constexpr std::string_view doneOpener = "@done(";
-constexpr std::size_t dateLength = 10;
 constexpr std::size_t none = static_cast<std::size_t>(-1);
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 /// Two digits of `text` as a number; -1 when they are none.
 int pair(std::string_view text, std::size_t at) {
@@ -30,7 +25,7 @@ bool isMeridiem(std::string_view text) {
 }  // namespace
 
 bool startsWithDate(std::string_view text) {
-    if (text.size() < dateLength || pair(text, 0) < 0 || pair(text, 2) < 0 || text[4] != '-' ||
+    if (text.size() < tagDateLength || pair(text, 0) < 0 || pair(text, 2) < 0 || text[4] != '-' ||
         text[7] != '-') {
         return false;
     }
@@ -90,7 +85,7 @@ void MarkFinder::tag(std::size_t place, MarkKind kind, std::size_t& resume) {
 
 void MarkFinder::date(std::size_t place, MarkKind kind) {
     if (startsWithDate(_line.substr(place + 1))) {
-        add(kind, withSpaceBefore(place), place + 1 + dateLength);
+        add(kind, withSpaceBefore(place), place + 1 + tagDateLength);
     }
 }
 
@@ -99,7 +94,7 @@ void MarkFinder::completion(std::size_t place) {
     if (!text.starts_with(doneOpener) || !startsWithDate(text.substr(doneOpener.size()))) {
         return;
     }
-    std::size_t end = doneOpener.size() + dateLength;
+    std::size_t end = doneOpener.size() + tagDateLength;
     if (text.size() > end && text[end] == ' ') {
         const std::size_t time = tagTimeLength(text.substr(end + 1));
         end += time == 0 ? 0 : time + 1;

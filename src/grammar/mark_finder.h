@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,10 @@
 #include "grammar/line_scanner.h"
 
 namespace tessaly::grammar {
+
+inline constexpr std::string_view doneOpener = "@done(";
+/// Of a date as tags hold it, "2019-05-21".
+inline constexpr std::size_t tagDateLength = 10;
 
 /// Finds the marks of one line from the places of its signs, given in order. Remembers how far it
 /// has looked for a closing parenthesis and for the end of digits and punctuation, so that no line

@@ -11,12 +11,12 @@ namespace tessaly::platform {
 
 namespace {
 
-struct Row {
+struct BlindRow {
     unsigned long type;
     std::string_view name;
 };
 
-constexpr std::array<Row, 15> rows{{
+constexpr std::array<BlindRow, 15> blindRows{{
     {0x65735546, "FUSE"},
     {0x6969, "NFS"},
     {0xff534d42, "SMB"},  // cifs
@@ -37,7 +37,7 @@ constexpr std::array<Row, 15> rows{{
 }  // namespace
 
 std::string_view blindFileSystem(unsigned long type) {
-    for (const Row& row : rows) {
+    for (const BlindRow& row : blindRows) {
         if (row.type == type) {
             return row.name;
         }

@@ -9,39 +9,39 @@
 
 namespace tessaly::platform {
 
-using Kind = base::Failure::Kind;
+using FailureKind = base::Failure::Kind;
 
 namespace {
 
-struct Row {
+struct ErrnoRow {
     int error;
-    Kind kind;
+    FailureKind kind;
 };
 
-constexpr std::array<Row, 14> rows{{
-    {ENOENT, Kind::notFound},
-    {ENOTDIR, Kind::notAFile},
-    {EEXIST, Kind::exists},
-    {EACCES, Kind::denied},
-    {EPERM, Kind::denied},
-    {EROFS, Kind::denied},
-    {EISDIR, Kind::notAFile},
-    {ENXIO, Kind::notAFile},
-    {ELOOP, Kind::notAFile},
-    {EFBIG, Kind::tooLarge},
-    {ENOSPC, Kind::noSpace},
-    {EDQUOT, Kind::noSpace},
-    {EAGAIN, Kind::unavailable},
-    {ETIMEDOUT, Kind::unavailable},
+constexpr std::array<ErrnoRow, 14> errnoRows{{
+    {ENOENT, FailureKind::notFound},
+    {ENOTDIR, FailureKind::notAFile},
+    {EEXIST, FailureKind::exists},
+    {EACCES, FailureKind::denied},
+    {EPERM, FailureKind::denied},
+    {EROFS, FailureKind::denied},
+    {EISDIR, FailureKind::notAFile},
+    {ENXIO, FailureKind::notAFile},
+    {ELOOP, FailureKind::notAFile},
+    {EFBIG, FailureKind::tooLarge},
+    {ENOSPC, FailureKind::noSpace},
+    {EDQUOT, FailureKind::noSpace},
+    {EAGAIN, FailureKind::unavailable},
+    {ETIMEDOUT, FailureKind::unavailable},
 }};
 
-Kind kindOf(int error) {
-    for (const Row& row : rows) {
+FailureKind kindOf(int error) {
+    for (const ErrnoRow& row : errnoRows) {
         if (row.error == error) {
             return row.kind;
         }
     }
-    return Kind::other;
+    return FailureKind::other;
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ base::Failure errnoFailure(int error, std::string_view path) {
     return errnoFailure(error, path, kindOf(error));
 }
 
-base::Failure errnoFailure(int error, std::string_view path, Kind kind) {
+base::Failure errnoFailure(int error, std::string_view path, FailureKind kind) {
     return {kind, fmt::format("{}: {}", path, std::generic_category().message(error))};
 }
 

@@ -10,7 +10,7 @@ namespace tessaly::platform {
 
 namespace {
 
-base::Instant instantOf(const statx_timestamp& time) {
+base::Instant instantOfField(const statx_timestamp& time) {
     return base::Instant{std::chrono::seconds{time.tv_sec} +
                          std::chrono::nanoseconds{time.tv_nsec}};
 }
@@ -21,8 +21,9 @@ const unsigned stampFields = STATX_BASIC_STATS | STATX_BTIME;
 
 ports::FileStamp stampOf(const struct statx& status) {
     const bool hasBirth = (status.stx_mask & STATX_BTIME) != 0;
-    return {status.stx_ino, status.stx_size, instantOf(status.stx_mtime),
-            instantOf(status.stx_ctime), instantOf(hasBirth ? status.stx_btime : status.stx_mtime)};
+    return {status.stx_ino, status.stx_size, instantOfField(status.stx_mtime),
+            instantOfField(status.stx_ctime),
+            instantOfField(hasBirth ? status.stx_btime : status.stx_mtime)};
 }
 
 }  // namespace tessaly::platform

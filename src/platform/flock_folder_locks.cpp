@@ -19,6 +19,7 @@
 #include "base/sha256.h"
 #include "platform/errno_failure.h"
 #include "platform/file_descriptor.h"
+#include "platform/folder_names.h"
 #include "platform/lock_record.h"
 #include "platform/posix_file_changes.h"
 
@@ -29,7 +30,7 @@ using base::Failure;
 
 namespace {
 
-using Time = std::chrono::steady_clock;
+using SteadyTime = std::chrono::steady_clock;
 
 constexpr std::size_t nameLength = 16;
 constexpr std::chrono::milliseconds firstPause{1};
@@ -57,7 +58,7 @@ private:
 };
 
 /// One path for all paths of one folder, also of one that is not there yet.
-base::Result<std::string> resolved(const std::string& folder) {
+base::Result<std::string> resolvedFolder(const std::string& folder) {
     if (folder.find('\0') != std::string::npos) {
         return errnoFailure(EINVAL, folder.c_str(), Failure::Kind::malformed);
     }
@@ -77,13 +78,6 @@ FileDescriptor openLockFile(const std::string& file, int flags) {
         uninterrupted([&] { return ::open(file.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600); }));
 }
 
-bool isStillAt(const std::string& file, int fd) {
-    struct stat atPath;
-    struct stat opened;
-    return ::lstat(file.c_str(), &atPath) == 0 && ::fstat(fd, &opened) == 0 &&
-           atPath.st_dev == opened.st_dev && atPath.st_ino == opened.st_ino;
-}
-
 /// Nothing: another holds it now. The file is opened anew by each trial, so that one which was
 /// deleted is given up, and threads of one process exclude each other.
 base::Result<std::optional<FileDescriptor>> tryToLock(const std::string& file) {
@@ -100,11 +94,11 @@ base::Result<std::optional<FileDescriptor>> tryToLock(const std::string& file) {
 
 base::Result<std::optional<FileDescriptor>> waitForLock(const std::string& file,
                                                         std::chrono::milliseconds patience) {
-    const Time::time_point end = Time::now() + patience;
+    const SteadyTime::time_point end = SteadyTime::now() + patience;
     std::chrono::milliseconds pause = firstPause;
     for (;;) {
         auto fd = tryToLock(file);
-        if (!fd || *fd || Time::now() >= end) {
+        if (!fd || *fd || SteadyTime::now() >= end) {
             return fd;
         }
         std::this_thread::sleep_for(pause);
@@ -122,7 +116,7 @@ FlockFolderLocks::FlockFolderLocks(std::string folder, std::chrono::milliseconds
     : _folder(std::move(folder)), _patience(patience) {}
 
 base::Result<std::unique_ptr<ports::FolderLock>> FlockFolderLocks::take(const std::string& folder) {
-    const auto path = resolved(folder);
+    const auto path = resolvedFolder(folder);
     if (!path) {
         return path.failure();
     }
@@ -148,7 +142,7 @@ base::Result<std::unique_ptr<ports::FolderLock>> FlockFolderLocks::take(const st
 }
 
 bool FlockFolderLocks::isUnfinished(const std::string& folder) {
-    const auto path = resolved(folder);
+    const auto path = resolvedFolder(folder);
     if (!path) {
         return false;
     }

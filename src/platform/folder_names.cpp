@@ -61,6 +61,11 @@ std::optional<FileIdentity> identityAt(FolderName at, Links links) {
     return identityOf(status);
 }
 
+bool isStillAt(const std::string& path, int fd) {
+    struct stat status;
+    return ::fstat(fd, &status) == 0 && identityAt({AT_FDCWD, path.c_str()}) == identityOf(status);
+}
+
 bool isGone(FolderName at) {
     return !identityAt(at) && errno == ENOENT;
 }

@@ -39,6 +39,9 @@ enum class Links { followed, themselves };
 /// Nothing, with `errno`, when there is nothing of that name.
 std::optional<FileIdentity> identityAt(FolderName at, Links links = Links::themselves);
 
+/// Whether the file that is open as `fd` is what `path` names, a link not followed.
+bool isStillAt(const std::string& path, int fd);
+
 /// Whether there is nothing of that name.
 bool isGone(FolderName at);
 

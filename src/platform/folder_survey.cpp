@@ -20,17 +20,17 @@ namespace tessaly::platform {
 
 using ports::FolderEntry;
 using ports::SurveyedEntry;
-using Kind = FolderEntry::Kind;
+using EntryKind = FolderEntry::Kind;
 
 namespace {
 
 SurveyedEntry surveyed(const std::string& folder, std::string name, const struct statx& status) {
-    const Kind kind = kindOfMode(status.stx_mode);
+    const EntryKind kind = kindOfMode(status.stx_mode);
     SurveyedEntry entry{{std::move(name), kind}, {}, false};
-    if (kind == Kind::file || kind == Kind::folder) {
+    if (kind == EntryKind::file || kind == EntryKind::folder) {
         entry.stamp = stampOf(status);
     }
-    entry.isPlaceholder = kind == Kind::file && status.stx_size == placeholderSize &&
+    entry.isPlaceholder = kind == EntryKind::file && status.stx_size == placeholderSize &&
                           hasPlaceholderMark(folder + "/" + entry.name);
     return entry;
 }
@@ -65,11 +65,11 @@ bool isNameOfEntry(const std::string& name) {
 
 }  // namespace
 
-Kind kindOfMode(unsigned mode) {
-    return S_ISREG(mode)   ? Kind::file
-           : S_ISDIR(mode) ? Kind::folder
-           : S_ISLNK(mode) ? Kind::link
-                           : Kind::other;
+EntryKind kindOfMode(unsigned mode) {
+    return S_ISREG(mode)   ? EntryKind::file
+           : S_ISDIR(mode) ? EntryKind::folder
+           : S_ISLNK(mode) ? EntryKind::link
+                           : EntryKind::other;
 }
 
 base::Result<std::vector<SurveyedEntry>> surveyFolder(const std::string& folder) {

@@ -66,7 +66,7 @@ std::string describe(int error, const std::string& folder) {
 }
 
 /// Empty, with `errno`: some part of it is not there.
-std::string resolved(const std::string& path) {
+std::string realPathOf(const std::string& path) {
     std::array<char, PATH_MAX> buffer;
     return ::realpath(path.c_str(), buffer.data()) != nullptr ? buffer.data() : "";
 }
@@ -99,7 +99,7 @@ void FolderWatch::watchRoot() {
         giveUp(Cause::noEvents, errnoFailure(errno, "inotify").description);
         return;
     }
-    _root = resolved(_scope.root);
+    _root = realPathOf(_scope.root);
     if (_root.empty()) {
         giveUp(Cause::noRoot, errnoFailure(errno, _scope.root).description);
         return;

@@ -14,12 +14,12 @@ using base::Failure;
 
 namespace {
 
-struct Row {
+struct TrashRow {
     int error;
     Failure::Kind kind;
 };
 
-constexpr std::array<Row, 4> rows{{
+constexpr std::array<TrashRow, 4> trashRows{{
     {G_IO_ERROR_NOT_FOUND, Failure::Kind::notFound},
     {G_IO_ERROR_PERMISSION_DENIED, Failure::Kind::denied},
     {G_IO_ERROR_NOT_SUPPORTED, Failure::Kind::unavailable},
@@ -31,7 +31,7 @@ Failure failureOf(const std::string& file, const GError* error) {
     const bool namesFile = message.find(file) != message.npos;
     Failure failure{Failure::Kind::other,
                     namesFile ? message : fmt::format("{}: {}", file, message)};
-    for (const Row& row : rows) {
+    for (const TrashRow& row : trashRows) {
         if (g_error_matches(error, G_IO_ERROR, row.error)) {
             failure.kind = row.kind;
         }

@@ -12,7 +12,7 @@ namespace tessaly::platform {
 
 namespace {
 
-constexpr std::size_t bufferBytes = 65536;
+constexpr std::size_t eventBufferBytes = 65536;
 
 std::vector<FolderEvent> eventsIn(const char* bytes, std::size_t size) {
     std::vector<FolderEvent> events;
@@ -41,7 +41,7 @@ void InotifyInstance::unwatch(int watch) const {
 }
 
 std::vector<FolderEvent> InotifyInstance::read() const {
-    std::array<char, bufferBytes> buffer;
+    std::array<char, eventBufferBytes> buffer;
     const auto bytes =
         uninterrupted([&] { return ::read(_fd.get(), buffer.data(), buffer.size()); });
     return bytes > 0 ? eventsIn(buffer.data(), static_cast<std::size_t>(bytes))

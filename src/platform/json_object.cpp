@@ -44,7 +44,7 @@ std::string_view reasonOf(std::string_view what) {
     return colon == std::string_view::npos ? what : what.substr(colon + 2);
 }
 
-ordered_json parse(std::string_view bytes) {
+ordered_json parseBounded(std::string_view bytes) {
     return ordered_json::parse(bytes, [](int depth, auto, const auto&) {
         if (depth > maxDepth) {
             throw TooDeep();
@@ -60,7 +60,7 @@ base::Result<ordered_json> parseJsonObject(const std::string& file, std::string_
         return ordered_json::object();
     }
     try {
-        ordered_json parsed = parse(bytes);
+        ordered_json parsed = parseBounded(bytes);
         return parsed.is_object()
                    ? base::Result<ordered_json>(std::move(parsed))
                    : malformed(file, base::tr("the file does not hold a JSON object"));

@@ -30,11 +30,6 @@ namespace {
 
 constexpr std::size_t bufferSize = 1 << 20;
 
-bool isStillAt(const std::string& path, int fd) {
-    struct stat status;
-    return ::fstat(fd, &status) == 0 && identityAt({AT_FDCWD, path.c_str()}) == identityOf(status);
-}
-
 class LockedNewFile final : public ports::NewCacheFile {
 public:
     LockedNewFile(FileDescriptor fd, std::string temporary, std::string file)
@@ -91,7 +86,7 @@ Failure isBeingWritten(const std::string& file) {
 }
 
 /// Nothing: the name has become another file's before the lock was there.
-base::Result<std::optional<FileDescriptor>> tryToLock(const std::string& temporary) {
+base::Result<std::optional<FileDescriptor>> openLocked(const std::string& temporary) {
     constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
     FileDescriptor fd(uninterrupted([&] { return ::open(temporary.c_str(), flags, 0600); }));
     struct stat status;
@@ -111,9 +106,9 @@ base::Result<std::optional<FileDescriptor>> tryToLock(const std::string& tempora
 
 base::Result<std::unique_ptr<ports::NewCacheFile>> beginCacheFile(const std::string& file) {
     const std::string temporary = file + ".writing";
-    auto locked = tryToLock(temporary);
+    auto locked = openLocked(temporary);
     while (locked && !*locked) {
-        locked = tryToLock(temporary);
+        locked = openLocked(temporary);
     }
     if (!locked) {
         return locked.failure();

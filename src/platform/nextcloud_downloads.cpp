@@ -23,7 +23,7 @@ using ports::DownloadState;
 
 namespace {
 
-using Kind = DownloadState::Kind;
+using StateKind = DownloadState::Kind;
 
 constexpr std::string_view stateVerb = "RETRIEVE_FILE_STATUS:";
 constexpr std::string_view requestVerb = "MAKE_AVAILABLE_LOCALLY:";
@@ -33,15 +33,15 @@ constexpr std::string_view separators("\n\r\x1e\0", 4);
 
 struct StatusRow {
     std::string_view status;
-    Kind kind;
+    StateKind kind;
 };
 
 /// Whether somebody shares a file is told behind these, as "+SWM".
 constexpr std::array<StatusRow, 4> statusRows{{
-    {"OK", Kind::here},
-    {"SYNC", Kind::downloading},
-    {"IGNORE", Kind::failed},
-    {"ERROR", Kind::failed},
+    {"OK", StateKind::here},
+    {"SYNC", StateKind::downloading},
+    {"IGNORE", StateKind::failed},
+    {"ERROR", StateKind::failed},
 }};
 constexpr std::string_view unknownStatus = "NOP";
 
@@ -86,11 +86,11 @@ bool isPlaceholderThere(const std::string& file) {
 DownloadState stateOf(const std::string& status, const std::string& file) {
     for (const StatusRow& row : statusRows) {
         // A placeholder that nobody has asked for is as it should be for the client.
-        if (row.status == status && (row.kind != Kind::here || !isPlaceholderThere(file))) {
-            return {row.kind, row.kind == Kind::failed ? status : std::string()};
+        if (row.status == status && (row.kind != StateKind::here || !isPlaceholderThere(file))) {
+            return {row.kind, row.kind == StateKind::failed ? status : std::string()};
         }
     }
-    return {Kind::waiting, {}};
+    return {StateKind::waiting, {}};
 }
 
 bool canBeAskedFor(const std::string& file) {

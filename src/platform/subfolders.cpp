@@ -16,7 +16,7 @@ namespace tessaly::platform {
 namespace {
 
 // Asked of the kernel directly: the entries of the many files need not be copied to pass over them.
-constexpr std::size_t bufferBytes = 32768;
+constexpr std::size_t nameBufferBytes = 32768;
 
 bool isFolder(int parent, const dirent64& entry) {
     if (entry.d_type != DT_UNKNOWN) {
@@ -34,7 +34,7 @@ bool isSelfOrParent(std::string_view name) {
 }  // namespace
 
 int forEachSubfolder(int folder, const std::function<void(std::string_view name)>& found) {
-    alignas(dirent64) std::array<char, bufferBytes> buffer;
+    alignas(dirent64) std::array<char, nameBufferBytes> buffer;
     while (true) {
         const auto bytes =
             uninterrupted([&] { return ::getdents64(folder, buffer.data(), buffer.size()); });

@@ -58,7 +58,7 @@ std::string_view cutBehind(std::string_view& text, char separator) {
     return behind;
 }
 
-LocaleName parse(std::string_view text) {
+LocaleName parseLocale(std::string_view text) {
     LocaleName name;
     name.modifier = cutBehind(text, '@');
     cutBehind(text, '.');
@@ -119,7 +119,7 @@ std::string wantedLanguages(std::string_view list) {
     std::vector<std::string> languages;
     while (!list.empty()) {
         const auto rest = cutBehind(list, ':');
-        const LocaleName name = parse(list);
+        const LocaleName name = parseLocale(list);
         list = rest;
         if (name.language == "en" || name.language == "C" || name.language == "POSIX") {
             break;
@@ -147,7 +147,7 @@ std::string languages() {
 }  // namespace
 
 ports::UserLocale systemLocale() {
-    return {icuName(parse(firstSet({"LC_ALL", "LC_TIME", "LANG"}))), languages()};
+    return {icuName(parseLocale(firstSet({"LC_ALL", "LC_TIME", "LANG"}))), languages()};
 }
 
 }  // namespace tessaly::platform

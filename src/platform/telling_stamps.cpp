@@ -16,14 +16,14 @@ using base::Failure;
 
 namespace {
 
-struct Row {
+struct StampRow {
     unsigned long type;
     std::string_view name;
 };
 
 // Those of other systems have no inodes, coarse dates, or none of the last change of an inode. What
 // eCryptfs encrypts lies in plain text nowhere else.
-constexpr std::array<Row, 5> rows{{
+constexpr std::array<StampRow, 5> stampRows{{
     {0x4d44, "FAT"},
     {0x2011bab0, "exFAT"},
     {0x5346544e, "NTFS"},  // the old driver
@@ -34,7 +34,7 @@ constexpr std::array<Row, 5> rows{{
 }  // namespace
 
 std::string_view fileSystemWithoutStamps(unsigned long type) {
-    for (const Row& row : rows) {
+    for (const StampRow& row : stampRows) {
         if (row.type == type) {
             return row.name;
         }

@@ -38,13 +38,13 @@ std::optional<std::string> folderFromUserDatabase() {
     return withoutLastSlashes(found->pw_dir);
 }
 
-std::string below(const std::string& folder, std::string_view name) {
+std::string folderBelow(const std::string& folder, std::string_view name) {
     return (folder == "/" ? "" : folder) + "/" + std::string(name);
 }
 
 std::string xdgHome(const char* variable, std::string_view inHome) {
     auto folder = folderFromEnvironment(variable);
-    return folder ? *folder : below(homeFolder(), inHome);
+    return folder ? *folder : folderBelow(homeFolder(), inHome);
 }
 
 }  // namespace
@@ -67,9 +67,9 @@ std::string stateHome() {
 ports::StandardFolders xdgFolders(const char* programName) {
     return {
         .data = xdgHome("XDG_DATA_HOME", ".local/share"),
-        .config = below(configHome(), programName),
-        .state = below(stateHome(), programName),
-        .cache = below(xdgHome("XDG_CACHE_HOME", ".cache"), programName),
+        .config = folderBelow(configHome(), programName),
+        .state = folderBelow(stateHome(), programName),
+        .cache = folderBelow(xdgHome("XDG_CACHE_HOME", ".cache"), programName),
     };
 }
 

@@ -77,7 +77,7 @@ struct Week {
     base::DayOfWeek firstDay;
 };
 
-DayRange daysOf(const Filter& filter, const Week& week, Complaints& complaints) {
+DayRange daysOfFilter(const Filter& filter, const Week& week, Complaints& complaints) {
     const std::string_view name = valueOf(filter, Param::timeframe);
     const auto timeframe = base::fromRawValue<FilterTimeframe>(name);
     if (timeframe == FilterTimeframe::custom || name.empty()) {
@@ -96,7 +96,7 @@ FilterConditions conditionsOf(const Filter& filter, base::Day today,
                               base::DayOfWeek firstDayOfWeek) {
     FilterConditions conditions;
     conditions.isActive = !filter.empty();
-    conditions.days = daysOf(filter, {today, firstDayOfWeek}, conditions.unreadable);
+    conditions.days = daysOfFilter(filter, {today, firstDayOfWeek}, conditions.unreadable);
     conditions.keyword = valueOf(filter, Param::keyword);
     if (namesRows(filter)) {
         conditions.kinds = kindsOf(filter);

@@ -21,7 +21,6 @@ namespace {
 using base::Failure;
 using base::tr;
 
-constexpr std::string_view binaryMagic = "bplist00";
 constexpr std::size_t longestQuoted = 60;
 
 struct Freed {

@@ -69,7 +69,7 @@ FoldingClass classOf(base::CodePoint c) {
                             : foldingClass(c.value);
 }
 
-bool beginsPart(std::string_view text, std::size_t at) {
+bool partBeginsAt(std::string_view text, std::size_t at) {
     return at == text.size() || beginsPart(classOf(quickCodePointAt(text, at)));
 }
 
@@ -97,7 +97,7 @@ std::size_t lastStart(std::string_view text, std::size_t end) {
     return end;
 }
 
-char32_t loweredAscii(char32_t c) {
+char32_t smallAscii(char32_t c) {
     return c >= 'A' && c <= 'Z' ? c | 0x20 : c;
 }
 
@@ -152,7 +152,7 @@ private:
     /// May be wrong for a capital that has a composed form where the small letter has none.
     bool melts(char32_t mark, std::uint8_t place) const {
         const char32_t starter = quickCodePointAt(_text, _starter).value;
-        const char32_t small = loweredAscii(starter);
+        const char32_t small = smallAscii(starter);
         if (starter < 0x80) {
             return composition(starter, mark) || (small != starter && composition(small, mark));
         }
@@ -167,7 +167,7 @@ private:
 };
 
 /// Eight characters' ASCII capitals become small.
-Word lowered(Word word) {
+Word loweredWord(Word word) {
     const Word low = word & ~highBits;
     const Word fromA = low + (0x80 - 'A') * eachByte;
     const Word beyondZ = low + (0x7F - 'Z') * eachByte;
@@ -179,7 +179,7 @@ void appendLowered(std::string& result, std::string_view text) {
     std::size_t at = result.size();
     result.append(text);
     for (; at + sizeof(Word) <= result.size(); at += sizeof(Word)) {
-        const Word word = lowered(wordAt(result.data() + at));
+        const Word word = loweredWord(wordAt(result.data() + at));
         std::memcpy(result.data() + at, &word, sizeof word);
     }
     for (; at < result.size(); ++at) {
@@ -228,13 +228,13 @@ private:
     bool takeCharacter() {
         const base::CodePoint first = quickCodePointAt(_text, _done);
         const FoldingClass sort = classOf(first);
-        if (!search::beginsPart(sort)) {
+        if (!beginsPart(sort)) {
             return false;
         }
         char32_t made =
-            sort == FoldingClass::capital ? smallLetter(first.value) : loweredAscii(first.value);
+            sort == FoldingClass::capital ? smallLetter(first.value) : smallAscii(first.value);
         std::size_t at = _done + first.size;
-        for (std::uint8_t last = 0; !beginsPart(_text, at);) {
+        for (std::uint8_t last = 0; !partBeginsAt(_text, at);) {
             const base::CodePoint mark = quickCodePointAt(_text, at);
             const std::uint8_t place = combiningClass(mark.value);
             const auto composed = composition(made, mark.value);
@@ -257,7 +257,7 @@ private:
         std::size_t end = _done;
         do {
             end += quickCodePointAt(_text, end).size;
-        } while (!beginsPart(_text, end));
+        } while (!partBeginsAt(_text, end));
         _result += foldedByRules(_text.substr(_done, end - _done));
         _done = end;
     }

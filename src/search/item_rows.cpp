@@ -11,7 +11,7 @@ namespace tessaly::search {
 namespace {
 
 using calendar::CachedCalendarItem;
-using Kind = ports::CalendarItem::Kind;
+using ItemKind = ports::CalendarItem::Kind;
 
 constexpr int windowDays = 365;
 
@@ -35,7 +35,7 @@ int timeOfDay(const ports::CalendarItem& item) {
     return hasTime ? (item.start->hour * 60 + item.start->minute) * 60 + item.start->second : -1;
 }
 
-bool comesBefore(const FoundItem& a, const FoundItem& b) {
+bool isShownBefore(const FoundItem& a, const FoundItem& b) {
     const auto orderOf = [](const FoundItem& found) {
         const CachedCalendarItem& item = *found.item;
         return std::tuple(item.calendarItem.kind, found.day, timeOfDay(item.calendarItem),
@@ -56,7 +56,7 @@ std::vector<FoundItem> findItems(std::span<const CachedCalendarItem> items,
     const FilterConditions& filter = matcher.filter();
     std::vector<FoundItem> found;
     for (const CachedCalendarItem& item : items) {
-        const bool isEvent = item.calendarItem.kind == Kind::event;
+        const bool isEvent = item.calendarItem.kind == ItemKind::event;
         const auto day = dayToShow(item, days, today);
         if (!day || !(isEvent ? filter.eventItem : filter.reminderItem)) {
             continue;
@@ -65,7 +65,7 @@ std::vector<FoundItem> findItems(std::span<const CachedCalendarItem> items,
             found.push_back({&item, *day, *match});
         }
     }
-    std::sort(found.begin(), found.end(), comesBefore);
+    std::sort(found.begin(), found.end(), isShownBefore);
     return found;
 }
 

@@ -7,14 +7,11 @@
 #include <vector>
 
 #include "search/byte_pair.h"
+#include "search/lowered_ascii.h"
 
 namespace tessaly::search {
 
 namespace {
-
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-}
 
 /// How common each byte is in notes, roughly: the higher, the commoner.
 constexpr std::array<std::uint8_t, 256> makeCommonness() {
@@ -52,7 +49,7 @@ std::size_t rarestPlace(std::string_view text, std::size_t except) {
 /// How many bytes at the start of `needle` stand at `text`, which is as long as that at least.
 std::size_t commonStart(const char* text, std::string_view needle) {
     std::size_t i = 0;
-    while (i < needle.size() && lowered(text[i]) == needle[i]) {
+    while (i < needle.size() && loweredAscii(text[i]) == needle[i]) {
         ++i;
     }
     return i;
@@ -76,7 +73,7 @@ std::size_t findSteadily(std::string_view haystack, std::size_t from, std::strin
     const std::vector<std::size_t> shorter = borders(needle);
     std::size_t matched = 0;
     for (std::size_t at = from; at < haystack.size(); ++at) {
-        const char c = lowered(haystack[at]);
+        const char c = loweredAscii(haystack[at]);
         while (matched > 0 && c != needle[matched]) {
             matched = shorter[matched];
         }

@@ -9,7 +9,6 @@
 namespace tessaly::search {
 namespace {
 
-constexpr std::string_view binaryMagic = "bplist00";
 constexpr std::size_t trailerBytes = 32;
 constexpr int deepest = 64;
 // An object takes about so much memory beside its bytes; shared ones are read as often as they are

@@ -6,6 +6,9 @@
 
 namespace tessaly::search {
 
+/// What a binary property list begins with.
+inline constexpr std::string_view binaryMagic = "bplist00";
+
 /// The largest property list that is read, in bytes.
 inline constexpr std::size_t maxPlistBytes = 1U << 20;
 

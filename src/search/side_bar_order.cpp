@@ -11,6 +11,7 @@
 #include "base/utf8.h"
 #include "grammar/tags.h"
 #include "search/folded_text.h"
+#include "search/lowered_ascii.h"
 #include "search/note_order.h"
 
 namespace tessaly::search {
@@ -24,10 +25,6 @@ constexpr std::array kindsInOrder{
 
 std::string lowered(std::string_view text) {
     return base::isAscii(text) ? base::lowerCased(text) : folded(text);
-}
-
-char loweredAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // What `lowered` would give, without making it.

@@ -5,19 +5,16 @@
 #include <vector>
 
 #include "grammar/line_scanner.h"
+#include "search/lowered_ascii.h"
 
 namespace tessaly::search {
 
 namespace {
 
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool startsWith(std::string_view text, std::string_view token) {
     return text.size() >= token.size() &&
            std::equal(token.begin(), token.end(), text.begin(),
-                      [](char a, char b) { return a == lowered(b); });
+                      [](char a, char b) { return a == loweredAscii(b); });
 }
 
 bool isTagOf(std::string_view mark, std::string_view token) {

@@ -9,6 +9,7 @@
 #include "store/entry_role.h"
 #include "store/notes_by_name.h"
 #include "store/paths.h"
+#include "sync/append.h"
 
 namespace tessaly::sync {
 namespace {
@@ -20,12 +21,6 @@ using namespace std::chrono_literals;
 // Dates of files are those of the last tick, which may be 10 ms ago; a look at many takes a while.
 constexpr auto tick = 20ms;
 constexpr auto longLook = 2s;
-
-template <class Items>
-void append(Items& items, Items&& more) {
-    items.insert(items.end(), std::make_move_iterator(more.begin()),
-                 std::make_move_iterator(more.end()));
-}
 
 // The folder that is called like a kind, of which the rest of a path is below.
 std::string_view kindOf(std::string_view folder) {

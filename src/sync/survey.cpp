@@ -10,6 +10,7 @@
 #include "store/inside_path.h"
 #include "store/paths.h"
 #include "store/work_queue.h"
+#include "sync/append.h"
 
 namespace tessaly::sync {
 namespace {
@@ -21,12 +22,6 @@ using ports::SurveyedEntry;
 constexpr std::size_t manyNames = 64;
 // Looking at a name takes less time than waking a thread for it.
 constexpr std::size_t foldersPerJob = 32;
-
-template <class Items>
-void append(Items& items, Items&& more) {
-    items.insert(items.end(), std::make_move_iterator(more.begin()),
-                 std::make_move_iterator(more.end()));
-}
 
 base::Result<std::string> kindFolder(ports::FileSystem& files, const std::string& root,
                                      std::string_view kind) {

@@ -29,14 +29,14 @@ std::string_view indentation(std::string_view line) {
     return line.substr(0, line.size() - base::trimmedStart(line).size());
 }
 
-bool isBlank(std::string_view line) {
+bool hasNoWords(std::string_view line) {
     return base::trimmed(line).empty();
 }
 
 bool isBelow(std::string_view line, std::string_view task) {
     const std::string_view deeper = indentation(line);
     const std::string_view outer = indentation(task);
-    return !isBlank(line) && deeper.size() > outer.size() && deeper.starts_with(outer);
+    return !hasNoWords(line) && deeper.size() > outer.size() && deeper.starts_with(outer);
 }
 
 class Archive {
@@ -70,7 +70,7 @@ private:
                 _isInFirst = isInArchive && _heading == index;
             }
             if (isInArchive) {
-                _sectionEnd = _isInFirst && !isBlank(_lines[index]) ? index + 1 : _sectionEnd;
+                _sectionEnd = _isInFirst && !hasNoWords(_lines[index]) ? index + 1 : _sectionEnd;
             } else if ((line.type == TodoType::done || line.type == TodoType::cancelled) &&
                        _fates[index] == Fate::stays) {
                 moveBlock(index);
@@ -107,7 +107,7 @@ private:
             }
         }
         if (!_heading) {
-            if (_place > 0 && !isBlank(_anchor)) {
+            if (_place > 0 && !hasNoWords(_anchor)) {
                 put({});
             }
             put(std::string(archiveHeading));

@@ -4,14 +4,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "tasks/note_step.h"
+
 namespace tessaly::tasks {
 namespace {
 
 using Kind = LineEdit::Kind;
-
-bool isSameNote(const NoteStep& a, const NoteStep& b) {
-    return a.type == b.type && a.filename == b.filename;
-}
 
 bool isSameEdit(const LineEdit& a, const LineEdit& b) {
     return (a.kind == Kind::remove) == (b.kind == Kind::remove) && a.before == b.before &&

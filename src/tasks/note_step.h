@@ -33,6 +33,10 @@ NoteBytes bytesAfter(const NoteStep& step, const NoteBytes& before);
 /// The step that leads back from what a prepared step led to.
 NoteStep inverse(const NoteStep& step);
 
+inline bool isSameNote(const NoteStep& a, const NoteStep& b) {
+    return a.type == b.type && a.filename == b.filename;
+}
+
 inline bool hasEffect(const NoteStep& step) {
     return step.hashBefore != step.hashAfter;
 }

@@ -13,7 +13,7 @@
 namespace tessaly::tasks {
 namespace {
 
-using Kind = base::Failure::Kind;
+using FailureKind = base::Failure::Kind;
 
 constexpr std::string_view noUrl = "couldn't create the url";
 constexpr std::string_view noFile = "file does not exist";
@@ -60,7 +60,7 @@ const base::Result<NoteTexts::Lines>& NoteTexts::known(const NoteName& note) {
 base::Result<NoteTexts::Lines> NoteTexts::read(const NoteName& note, const std::string& path) {
     const auto file = _files.read(path);
     if (!file) {
-        if (file.failure().kind == Kind::notFound) {
+        if (file.failure().kind == FailureKind::notFound) {
             return noteIsNotThere(note);
         }
         _troubles[note] = {unreadable, file.failure().description};
@@ -76,7 +76,7 @@ base::Result<NoteTexts::Lines> NoteTexts::read(const NoteName& note, const std::
 
 const base::Result<NoteTexts::Lines>& NoteTexts::lines(const NoteName& note) {
     const auto& lines = known(note);
-    if (!lines && lines.failure().kind == Kind::notFound) {
+    if (!lines && lines.failure().kind == FailureKind::notFound) {
         _troubles[note] = {noFile, pathOf(note)};
     }
     return lines;
@@ -85,7 +85,7 @@ const base::Result<NoteTexts::Lines>& NoteTexts::lines(const NoteName& note) {
 const base::Result<NoteTexts::Lines>& NoteTexts::linesIfAny(const NoteName& note) {
     static const base::Result<Lines> none{Lines{}};
     const auto& lines = known(note);
-    return !lines && lines.failure().kind == Kind::notFound ? none : lines;
+    return !lines && lines.failure().kind == FailureKind::notFound ? none : lines;
 }
 
 const std::vector<base::Day>& NoteTexts::days() {

@@ -5,34 +5,35 @@
 
 namespace tessaly::tasks {
 
-using Kind = base::Failure::Kind;
+using FailureKind = base::Failure::Kind;
 
 namespace {
 
-std::string_view textFor(Kind kind) {
-    if (kind == Kind::outside) {
+std::string_view textFor(FailureKind kind) {
+    if (kind == FailureKind::outside) {
         return "couldn't create the url";
     }
-    return kind == Kind::notFound ? "file does not exist"
-                                  : "Could not read and write into the note: ";
+    return kind == FailureKind::notFound ? "file does not exist"
+                                         : "Could not read and write into the note: ";
 }
 
 }  // namespace
 
 base::Failure loggedOfNote(base::Failure failure) {
-    if (failure.kind != Kind::changed) {
+    if (failure.kind != FailureKind::changed) {
         base::log(textFor(failure.kind), failure.description);
     }
     return failure;
 }
 
-bool isLasting(Kind kind) {
-    return isLost(kind) || kind == Kind::denied || kind == Kind::tooLarge || kind == Kind::changed;
+bool isLasting(FailureKind kind) {
+    return isLost(kind) || kind == FailureKind::denied || kind == FailureKind::tooLarge ||
+           kind == FailureKind::changed;
 }
 
-bool isLost(Kind kind) {
-    return kind == Kind::notFound || kind == Kind::notAFile || kind == Kind::malformed ||
-           kind == Kind::outside;
+bool isLost(FailureKind kind) {
+    return kind == FailureKind::notFound || kind == FailureKind::notAFile ||
+           kind == FailureKind::malformed || kind == FailureKind::outside;
 }
 
 }  // namespace tessaly::tasks

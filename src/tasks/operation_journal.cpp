@@ -30,14 +30,14 @@ std::string folderOf(ports::FileSystem& files, const std::string& root) {
     return base::sha256(resolved ? *resolved : root).substr(0, hashLength);
 }
 
-std::string nameOf(std::uint64_t number) {
+std::string recordName(std::uint64_t number) {
     return fmt::format("{:010}", number);
 }
 
 std::optional<std::uint64_t> numberOfName(std::string_view name) {
     std::uint64_t number = 0;
     std::from_chars(name.data(), name.data() + name.size(), number);
-    return number > 0 && nameOf(number) == name ? std::optional(number) : std::nullopt;
+    return number > 0 && recordName(number) == name ? std::optional(number) : std::nullopt;
 }
 
 bool isMissing(const Failure& failure) {
@@ -58,7 +58,7 @@ OperationJournal::OperationJournal(Tools tools, const std::string& folder, std::
       _folder(store::joined(folder, folderOf(tools.files, _root))) {}
 
 std::string OperationJournal::fileOf(std::uint64_t number) const {
-    return store::joined(_folder, nameOf(number));
+    return store::joined(_folder, recordName(number));
 }
 
 Result<OperationJournal::Names> OperationJournal::names() const {

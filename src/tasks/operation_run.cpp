@@ -14,14 +14,6 @@ using base::Failure;
 using base::Result;
 using How = StepWriter::How;
 
-namespace {
-
-bool isSameNote(const NoteStep& a, const NoteStep& b) {
-    return a.type == b.type && a.filename == b.filename;
-}
-
-}  // namespace
-
 std::optional<OperationRun::Stop> OperationRun::make() {
     const std::size_t made = _start == Start::resumed ? stepsMade() : 0;
     for (std::size_t index = made; index < _operation.steps.size(); ++index) {

@@ -10,7 +10,7 @@ namespace tessaly::tasks {
 namespace {
 
 using base::N_;
-using Kind = base::Failure::Kind;
+using FailureKind = base::Failure::Kind;
 
 // What shortening puts at the end, "(\.\.\.$)".
 constexpr std::string_view dots = "...";
@@ -34,9 +34,10 @@ base::Result<std::size_t> findLine(const std::vector<std::string>& lines, const 
                                    const grammar::MarkerSettings& markers) {
     const std::size_t index = task.lineIndex;
     if (!task.text) {
-        return index < lines.size() ? base::Result<std::size_t>(index)
-                                    : lineRefused(task.note, index,
-                                                  N_("{0}: there is no such line"), Kind::notFound);
+        return index < lines.size()
+                   ? base::Result<std::size_t>(index)
+                   : lineRefused(task.note, index, N_("{0}: there is no such line"),
+                                 FailureKind::notFound);
     }
     if (index < lines.size() && isLineCalled(lines[index], *task.text, markers)) {
         return index;
@@ -50,10 +51,10 @@ base::Result<std::size_t> findLine(const std::vector<std::string>& lines, const 
     if (found.size() > 1) {
         return lineRefused(task.note, index,
                            N_("{0}: the line has changed, and several others read as it did"),
-                           Kind::changed);
+                           FailureKind::changed);
     }
     if (found.empty()) {
-        return lineRefused(task.note, index, N_("{0}: the line has changed"), Kind::changed);
+        return lineRefused(task.note, index, N_("{0}: the line has changed"), FailureKind::changed);
     }
     return task.where == TaskReference::Where::anywhere
                ? base::Result<std::size_t>(found.front())
