@@ -77,7 +77,7 @@ bool isThere(Services& services, const std::string& path) {
     return kind || kind.failure().kind != Failure::Kind::notFound;
 }
 
-Failure notText(const NoteAddress& note) {
+Failure notTextToChange(const NoteAddress& note) {
     return {Failure::Kind::malformed,
             fmt::format(fmt::runtime(tr("{} is not UTF-8 text")), pathInDataFolder(note))};
 }
@@ -167,7 +167,7 @@ base::Result<ChangedNote> addText(Services& services, const AddRequest& request,
     const bool wasThere = isThere(services, *path);
     const auto changed = dataStore.addText(*text, note->type, note->filename, request.mode);
     if (!changed) {
-        return changed.failure().kind == Failure::Kind::malformed ? notText(*note)
+        return changed.failure().kind == Failure::Kind::malformed ? notTextToChange(*note)
                                                                   : changed.failure();
     }
     return ChangedNote{

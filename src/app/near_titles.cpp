@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t longestCompared = 200;
 
-std::u32string comparable(std::string_view text) {
+std::u32string comparableTitle(std::string_view text) {
     return base::toUtf32(base::lowerCased(base::nfc(text)));
 }
 
@@ -36,11 +36,11 @@ std::size_t farness(std::u32string_view wanted, std::u32string_view title, std::
 
 std::vector<std::string> nearTitles(std::string_view wanted, const std::vector<std::string>& titles,
                                     std::size_t atMost) {
-    const std::u32string key = comparable(wanted);
+    const std::u32string key = comparableTitle(wanted);
     const std::size_t limit = std::max<std::size_t>(1, std::min<std::size_t>(key.size() / 3, 6));
     std::set<std::pair<std::size_t, std::string>> near;
     for (const std::string& title : titles) {
-        const std::size_t far = farness(key, comparable(title), limit);
+        const std::size_t far = farness(key, comparableTitle(title), limit);
         if (far <= limit) {
             near.emplace(far, title);
         }

@@ -26,24 +26,24 @@ NoteAddress calendarAddress(base::Day day) {
 }
 
 /// A kind's folder and a name below it, as `text` may mean them.
-struct Place {
+struct NotePlaceInText {
     base::NoteType type;
     std::string_view name;
 };
 
-std::optional<Place> placeWithFolder(std::string_view text) {
+std::optional<NotePlaceInText> placeWithFolder(std::string_view text) {
     for (const base::NoteType type : {base::NoteType::calendar, base::NoteType::note}) {
         const std::string_view folder = base::folderName(type);
         if (text.size() > folder.size() && text.substr(0, folder.size()) == folder &&
             text[folder.size()] == '/') {
-            return Place{type, text.substr(folder.size() + 1)};
+            return NotePlaceInText{type, text.substr(folder.size() + 1)};
         }
     }
     return std::nullopt;
 }
 
-std::vector<Place> placesOf(std::string_view text) {
-    std::vector<Place> places;
+std::vector<NotePlaceInText> placesOf(std::string_view text) {
+    std::vector<NotePlaceInText> places;
     if (const auto place = placeWithFolder(text)) {
         places.push_back(*place);
     }
@@ -80,7 +80,7 @@ bool isNote(store::DataStore& dataStore, base::NoteType type, const std::string&
     return kind && *kind == ports::FolderEntry::Kind::file;
 }
 
-std::optional<base::Day> dayOf(const Place& place) {
+std::optional<base::Day> dayOf(const NotePlaceInText& place) {
     if (place.type != base::NoteType::calendar) {
         return std::nullopt;
     }
@@ -89,8 +89,8 @@ std::optional<base::Day> dayOf(const Place& place) {
 }
 
 std::optional<NoteAddress> addressOfFile(store::DataStore& dataStore, std::string_view text) {
-    const std::vector<Place> places = placesOf(text);
-    for (const Place& place : places) {
+    const std::vector<NotePlaceInText> places = placesOf(text);
+    for (const NotePlaceInText& place : places) {
         for (std::string& filename : filenamesOf(place.name)) {
             if (isNote(dataStore, place.type, filename)) {
                 const auto day = place.type == base::NoteType::calendar

@@ -43,7 +43,7 @@ std::vector<Row> joined(std::vector<std::vector<Row>> byWorker) {
 }
 
 // The folder as file names below it begin, composed; empty for all.
-std::string prefixOf(std::string_view folder) {
+std::string namePrefixOf(std::string_view folder) {
     constexpr std::string_view notes = "Notes/";
     if (folder.substr(0, notes.size()) == notes) {
         folder.remove_prefix(notes.size());
@@ -58,8 +58,8 @@ bool isBelow(std::string_view filename, const std::string& prefix) {
     return prefix.empty() || base::nfc(filename).compare(0, prefix.size(), prefix) == 0;
 }
 
-std::string titleOf(const store::NoteFile& file, const grammar::DateStringHelper& names,
-                    base::Day today) {
+std::string rowTitleOf(const store::NoteFile& file, const grammar::DateStringHelper& names,
+                       base::Day today) {
     const std::string_view baseName = store::baseName(file.filename);
     if (file.type == base::NoteType::calendar) {
         return names.calendarNoteName(file.filename, today).value_or(std::string{baseName});
@@ -148,7 +148,7 @@ struct TagCounts {
 
 NoteRows listNotes(Services& services, NoteScope scope, std::string_view folder,
                    store::NoteReader::Options options) {
-    const std::string prefix = prefixOf(folder);
+    const std::string prefix = namePrefixOf(folder);
     options.types = typesOf(prefix.empty() ? scope : NoteScope::general);
     const store::CountSettings settings = services.countSettings();
     const grammar::DateStringHelper& names = services.dateStrings();
@@ -163,7 +163,7 @@ NoteRows listNotes(Services& services, NoteScope scope, std::string_view folder,
         }
         std::string filename{file.filename};
         store::NoteModel model(filename, file.type, textOf(file), settings, scanners[worker]);
-        std::string title = titleOf(file, names, today);
+        std::string title = rowTitleOf(file, names, today);
         std::string key = model.date ? std::string{} : base::lowerCased(base::nfc(title));
         byWorker[worker].push_back({{file.type, std::move(filename), std::move(title),
                                      file.stamp.modified, file.stamp.created, std::move(model)},

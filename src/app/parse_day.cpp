@@ -13,7 +13,7 @@ namespace tessaly::app {
 namespace {
 
 // Words are compared composed, in lower case and without the dot of an abbreviation.
-std::string comparable(std::string_view word) {
+std::string comparableWord(std::string_view word) {
     std::string result = base::lowerCased(base::nfc(base::trimmed(word)));
     while (!result.empty() && result.back() == '.') {
         result.pop_back();
@@ -30,7 +30,7 @@ std::optional<base::Day> dayOfWord(const std::string& word, base::Day today) {
                 {"today", base::tr("today"), 0},
                 {"tomorrow", base::tr("tomorrow"), 1}};
     for (const auto& row : rows) {
-        if (word == row.english || word == comparable(row.users)) {
+        if (word == row.english || word == comparableWord(row.users)) {
             return base::addDays(today, row.days);
         }
     }
@@ -65,8 +65,8 @@ bool isEnglishWeekday(const std::string& word, base::Day day) {
 }
 
 bool isUsersWeekday(const std::string& word, base::Day day, const base::LocaleFormats& formats) {
-    return word == comparable(formats.day(day, "EEEE")) ||
-           word == comparable(formats.day(day, "EEE"));
+    return word == comparableWord(formats.day(day, "EEEE")) ||
+           word == comparableWord(formats.day(day, "EEE"));
 }
 
 std::optional<base::Day> nextWeekday(const std::string& word, base::Day today,
@@ -89,7 +89,7 @@ bool hasFileName(base::Day day) {
 
 std::optional<base::Day> parseDay(std::string_view text, base::Day today,
                                   const base::LocaleFormats& formats) {
-    const std::string word = comparable(text);
+    const std::string word = comparableWord(text);
     if (word.empty()) {
         return std::nullopt;
     }

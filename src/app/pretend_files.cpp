@@ -22,10 +22,6 @@ namespace {
 /// No file system counts its inodes up to here.
 constexpr std::uint64_t firstInode = 1ULL << 63;
 
-Failure notFound(const std::string& path) {
-    return pretendFailure(std::errc::no_such_file_or_directory, path, Failure::Kind::notFound);
-}
-
 /// A failure in terms of the path that was asked for, and not of the place that it leads to.
 Failure renamed(const std::string& path, const Failure& failure) {
     const auto words = failure.description.rfind(": ");
@@ -109,7 +105,7 @@ void PretendFiles::readOne(const std::string& folder, const FolderEntry& entry, 
         sink({index, (*change)->bytes, &(*change)->stamp, nullptr});
         return;
     }
-    const Failure failure = change && *change ? pretendNotAFile(place) : notFound(place);
+    const Failure failure = change && *change ? pretendNotAFile(place) : pretendNotFound(place);
     sink({index, {}, nullptr, &failure});
 }
 

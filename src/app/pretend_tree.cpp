@@ -22,10 +22,6 @@ namespace {
 
 constexpr int maxLinks = 40;
 
-Failure notFound(const std::string& path) {
-    return pretendFailure(std::errc::no_such_file_or_directory, path, Failure::Kind::notFound);
-}
-
 Failure notAFolder(const std::string& path) {
     return pretendFailure(std::errc::not_a_directory, path, Failure::Kind::notAFile);
 }
@@ -47,6 +43,10 @@ std::string prefixOf(const std::string& folder) {
 
 Failure pretendFailure(std::errc error, const std::string& path, Failure::Kind kind) {
     return {kind, path + ": " + std::make_error_condition(error).message()};
+}
+
+Failure pretendNotFound(const std::string& path) {
+    return pretendFailure(std::errc::no_such_file_or_directory, path, Failure::Kind::notFound);
 }
 
 Failure pretendNotAFile(const std::string& path) {
@@ -88,7 +88,7 @@ Result<std::string> PretendTree::endOfLink(std::string target) const {
             return kind ? Result<std::string>(target) : kind.failure();
         }
         if (!*change) {
-            return notFound(target);
+            return pretendNotFound(target);
         }
         if ((*change)->kind != Kind::link) {
             return target;
@@ -117,7 +117,7 @@ Result<std::string> PretendTree::place(const std::string& path) const {
 
 Result<PretendTree::Kind> PretendTree::entryAt(const std::string& place) {
     if (const auto* change = changeAt(place)) {
-        return *change ? Result<Kind>((*change)->kind) : notFound(place);
+        return *change ? Result<Kind>((*change)->kind) : pretendNotFound(place);
     }
     return realEntryAt(place);
 }
@@ -145,7 +145,7 @@ Result<PretendTree::Kind> PretendTree::kindOf(const std::string& place) const {
     if (change == nullptr) {
         return _real.kindOf(place);
     }
-    return *change ? Result<Kind>((*change)->kind) : notFound(place);
+    return *change ? Result<Kind>((*change)->kind) : pretendNotFound(place);
 }
 
 Result<ports::FileContents> PretendTree::read(const std::string& place) const {
@@ -154,7 +154,7 @@ Result<ports::FileContents> PretendTree::read(const std::string& place) const {
         return _real.read(place);
     }
     if (!*change) {
-        return notFound(place);
+        return pretendNotFound(place);
     }
     if ((*change)->kind != Kind::file) {
         return pretendFailure(std::errc::is_a_directory, place, Failure::Kind::notAFile);
@@ -175,7 +175,7 @@ Result<std::vector<Entry>> PretendTree::entriesOf(const std::string& place,
                                                   const FromReal& fromReal) const {
     const auto* change = changeAt(place);
     if (change != nullptr && !isFolder(*change)) {
-        return *change ? notAFolder(place) : notFound(place);
+        return *change ? notAFolder(place) : pretendNotFound(place);
     }
     auto real = change == nullptr ? fromReal() : std::vector<Entry>{};
     if (!real) {
@@ -200,7 +200,7 @@ Result<std::vector<std::optional<SurveyedEntry>>> PretendTree::surveyNames(
     using Entries = std::vector<std::optional<SurveyedEntry>>;
     const auto* folder = changeAt(place);
     if (folder != nullptr && !isFolder(*folder)) {
-        return *folder ? notAFolder(place) : notFound(place);
+        return *folder ? notAFolder(place) : pretendNotFound(place);
     }
     auto real = folder == nullptr ? _real.surveyNames(place, names) : Entries(names.size());
     if (!real) {

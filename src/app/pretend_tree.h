@@ -80,6 +80,7 @@ private:
 
 /// "PATH: the system's words", as the platform says it.
 base::Failure pretendFailure(std::errc error, const std::string& path, base::Failure::Kind kind);
+base::Failure pretendNotFound(const std::string& path);
 base::Failure pretendNotAFile(const std::string& path);
 
 }  // namespace tessaly::app

@@ -13,7 +13,7 @@ namespace {
 using Kind = ports::FolderEntry::Kind;
 
 /// What a client leaves in the folders that it keeps in step.
-struct Mark {
+struct SyncMark {
     std::string_view beginning;
     std::string_view end;  ///< empty: the name is `beginning`
     std::optional<Kind> kind;
@@ -22,7 +22,7 @@ struct Mark {
 };
 
 // In a home folder, ".dropbox" is a folder, and ".sync" may be one of settings.
-constexpr std::array<Mark, 6> marks{{
+constexpr std::array<SyncMark, 6> marks{{
     {".stfolder", "", std::nullopt, "", "Syncthing"},
     {".dropbox.cache", "", Kind::folder, "", "Dropbox"},
     {".dropbox", "", Kind::file, "", "Dropbox"},
@@ -31,7 +31,7 @@ constexpr std::array<Mark, 6> marks{{
     {".sync", "", Kind::folder, "IgnoreList", "Resilio"},
 }};
 
-bool matches(const Mark& mark, const ports::FolderEntry& entry) {
+bool matches(const SyncMark& mark, const ports::FolderEntry& entry) {
     const std::string_view name = entry.name;
     const bool isName = mark.end.empty()
                             ? name == mark.beginning
@@ -39,13 +39,13 @@ bool matches(const Mark& mark, const ports::FolderEntry& entry) {
     return isName && (!mark.kind || mark.kind == entry.kind);
 }
 
-bool isMark(ports::FileSystem& files, const Mark& mark, const std::string& path) {
+bool isMark(ports::FileSystem& files, const SyncMark& mark, const std::string& path) {
     return mark.inside.empty() || files.kindOf(store::joined(path, mark.inside)).ok();
 }
 
 std::optional<ports::CloudFolder> markIn(ports::FileSystem& files, const std::string& folder) {
     const auto entries = files.list(folder);
-    for (const Mark& mark : marks) {
+    for (const SyncMark& mark : marks) {
         for (const auto& entry : entries ? *entries : std::vector<ports::FolderEntry>()) {
             std::string path = store::joined(folder, entry.name);
             if (matches(mark, entry) && isMark(files, mark, path)) {

@@ -22,7 +22,7 @@ constexpr const char* copiesStayHint =
 constexpr const char* undoneInPart = N_("Couldn't fully undo this");
 
 /// Whether a copy in another day's note went with a scheduling.
-bool tookCopyAway(const UndoneOperation& undone) {
+bool undoingTookCopyAway(const UndoneOperation& undone) {
     const auto removes = [](const tasks::LineEdit& edit) {
         return edit.kind == tasks::LineEdit::Kind::remove;
     };
@@ -44,7 +44,7 @@ void tell(Services& services, const std::vector<UndoneOperation>& undone) {
     const auto isAny = [&](const auto& holds) {
         return std::any_of(undone.begin(), undone.end(), holds);
     };
-    if (isAny(tookCopyAway) && services.globals().isFirstTimeUndoScheduling()) {
+    if (isAny(undoingTookCopyAway) && services.globals().isFirstTimeUndoScheduling()) {
         explainScheduling(services);
     }
     if (isAny([](const UndoneOperation& one) { return one.undone.leftCopies; })) {
