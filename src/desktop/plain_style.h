@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QProxyStyle>
+
+namespace tessaly::desktop {
+
+/// What the style sheet cannot draw in the theme's colours: check boxes and combo boxes.
+class PlainStyle : public QProxyStyle {
+    Q_OBJECT
+public:
+    PlainStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override;
+};
+
+}  // namespace tessaly::desktop
