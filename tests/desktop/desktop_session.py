@@ -99,10 +99,13 @@ class DesktopSession:
     def open_window(self, *words):
         """Starts the program and gives its window the keys."""
         child = self.start([self.program, *words])
-        window = wait_for("a window", lambda: self.xdotool("search", "--onlyvisible", "--pid", str(child.pid),
-                                                           "--name", " – Tessaly$").split())[0]
+        window = wait_for("a window", lambda: self._window_of(child).split())[0]
         self.xdotool("windowfocus", "--sync", window)
         return child, window
+
+    def _window_of(self, child):
+        assert child.poll() is None, f"the program has ended: {child.returncode}"
+        return self.xdotool("search", "--all", "--onlyvisible", "--pid", str(child.pid), "--name", " – Tessaly$")
 
     def end(self, child, how=signal.SIGTERM):
         child.send_signal(how)

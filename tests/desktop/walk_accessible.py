@@ -4,6 +4,7 @@
 be pressed has a name and a role, and rows are found by what they say."""
 
 import os
+import subprocess
 import sys
 import time
 
@@ -130,6 +131,10 @@ def start_launcher(session, launcher):
     """The bus of assistive programs, on which the program tells of its window from its start on."""
     session.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
     session.start([launcher, "--launch-immediately"])
+    # A program that asks for the bus while it starts would wait for it without a window.
+    ask = ["dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress"]
+    wait_for("the bus of assistive programs", lambda: subprocess.run(ask, env=session.environment, capture_output=True,
+                                                                     timeout=LONGEST).returncode == 0)
 
 
 def write_notes(session):

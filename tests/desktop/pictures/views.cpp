@@ -69,6 +69,7 @@ void endSearch(Stage& stage) {
 }
 
 void showSearch(Stage& stage) {
+    stage.goTo(today);
     search(stage, QStringLiteral("budget"));
     stage.take(QStringLiteral("search"));
     endSearch(stage);
