@@ -57,13 +57,20 @@ void LiveNotes::receive(const store::CloudBatch& batch) {
     if (!isNews(batch.kind) || batch.notes.empty() || !_handlers.onBatch) {
         return;
     }
-    _mainQueue.post([this, alive = std::weak_ptr(_alive), batch] {
-        if (!alive.expired()) {
-            // The cache was told first; whoever hears of the batch may ask for what is in it.
-            _services.noteCache().waitUntilIdle();
-            _handlers.onBatch(batch);
-        }
-    });
+    // The cache was told first; whoever hears of the batch may ask for what is in it.
+    afterWork([this, batch] { _handlers.onBatch(batch); });
+}
+
+/// On the main queue, which does not wait for it.
+void LiveNotes::afterWork(std::function<void()> told) {
+    _services.noteCache().afterWork(
+        [&mainQueue = _mainQueue, alive = std::weak_ptr(_alive), told = std::move(told)] {
+            mainQueue.post([alive, told] {
+                if (!alive.expired()) {
+                    told();
+                }
+            });
+        });
 }
 
 void LiveNotes::tellIfReady() {
@@ -72,13 +79,14 @@ void LiveNotes::tellIfReady() {
     }
     _mainQueue.cancel(std::exchange(_readyTimer, 0));
     // The first batches name what the load may have read before it was changed.
-    _services.noteCache().waitUntilIdle();
-    _isReady = true;
-    if (_handlers.onReady) {
-        _handlers.onReady();
-    }
-    keepIndex();
-    offer();
+    afterWork([this] {
+        _isReady = true;
+        if (_handlers.onReady) {
+            _handlers.onReady();
+        }
+        keepIndex();
+        offer();
+    });
 }
 
 /// The notes are in memory from now on; the index is for who starts later.

@@ -50,6 +50,7 @@ private:
     bool isNews(store::CloudBatch::Kind kind);
     void receive(const store::CloudBatch& batch);
     void tellIfReady();
+    void afterWork(std::function<void()> told);
     void keepIndex();
     bool isWatched();
     void lookAtSettings();

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "base/utf8.h"
+#include "desktop/qt_text.h"
 #include "store/line_diff.h"
 
 namespace tessaly::desktop {
@@ -34,10 +35,6 @@ Pieces wordsOfText(std::string_view text) {
         text.remove_prefix(size);
     }
     return words;
-}
-
-int unitsOf(std::string_view text) {
-    return static_cast<int>(base::utf16Length(text));
 }
 
 /// Pieces that lie one behind the other in a text.

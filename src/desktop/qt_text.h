@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/localisation.h"
+#include "base/utf8.h"
 
 namespace tessaly::desktop {
 
@@ -14,6 +15,10 @@ inline QString qt(std::string_view text) {
 }
 inline std::string utf8(const QString& text) {
     return text.toStdString();
+}
+/// The UTF-16 units of a text, as the toolkit counts.
+inline int unitsOf(std::string_view text) {
+    return static_cast<int>(base::utf16Length(text));
 }
 /// The user's words for an English text.
 inline QString trText(const char* text) {

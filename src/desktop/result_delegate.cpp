@@ -26,7 +26,7 @@ constexpr int sectionHeight = 34;
 constexpr int gapAboveGroup = 8;
 constexpr int gapBelowRows = 4;  // within the frame
 constexpr int frameMargin = 10;
-constexpr qreal frameRadius = 8;
+constexpr qreal groupFrameRadius = 8;
 constexpr int rowMargin = 4;  // from the frame to the selected row's ground
 constexpr qreal resultRadius = 6;
 constexpr int resultPadding = 10;  // from the frame to what stands at the row's start
@@ -83,12 +83,12 @@ private:
         _painter.save();
         _painter.setClipRect(_option.rect);
         QRectF whole(_frame);
-        constexpr qreal beyond = 2 * frameRadius;
+        constexpr qreal beyond = 2 * groupFrameRadius;
         whole.adjust(0.5, _kind == ResultKind::section ? 0.5 : -beyond, -0.5,
                      isLast() ? -0.5 : beyond);
         _painter.setPen(QPen(_colors.line, 1));
         _painter.setBrush(_colors.window);
-        _painter.drawRoundedRect(whole, frameRadius, frameRadius);
+        _painter.drawRoundedRect(whole, groupFrameRadius, groupFrameRadius);
         _painter.restore();
     }
 

@@ -63,10 +63,6 @@ QString onOneLine(const std::string& content) {
     return line;
 }
 
-int unitsOf(std::string_view text) {
-    return static_cast<int>(qt(text).size());
-}
-
 std::vector<Texts::Span> spansOf(const std::string& content) {
     std::vector<grammar::Mark> marks;
     grammar::findMarks(content, marks);

@@ -201,4 +201,8 @@ void NoteCache::waitUntilIdle() {
     semaphore.waitUntilFree();
 }
 
+void NoteCache::afterWork(base::Job job) {
+    semaphore.enter(std::move(job));
+}
+
 }  // namespace tessaly::store

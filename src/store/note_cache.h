@@ -151,6 +151,9 @@ public:
 
     /// Returns when no work runs or waits. Not from a pool's job.
     void waitUntilIdle();
+    /// Runs `job` on the executor when the work that runs and waits now has ended, ahead of what
+    /// comes later; not at all when the cache goes before that. For who must not wait.
+    void afterWork(base::Job job);
 
     /// Delivers every note as `NoteReader::readAll` does: out of memory once all is loaded, where
     /// the bytes are the text without a byte-order mark (none of a note that is not UTF-8) and the
