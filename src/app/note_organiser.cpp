@@ -75,7 +75,8 @@ std::string textOfTrashed(const std::string& folder, std::size_t notes) {
 
 struct NoteOrganiser::State : std::enable_shared_from_this<NoteOrganiser::State> {
     explicit State(Services& all)
-        : services(all), queue("org.tessaly.tessaly.NoteOrganiser", all.ports().executor) {}
+        : services(all),
+          queue(std::string(bundleIdentifier) + ".NoteOrganiser", all.ports().executor) {}
 
     /// Does `work` in the background and tells of it.
     void run(std::function<OrganisedNotes(Services&)> work, Told told) {

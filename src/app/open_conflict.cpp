@@ -27,7 +27,7 @@ struct OpenConflict::State final : sync::ConflictManagerDelegate,
           handlers(std::move(answers)),
           versions({shared.ports().files, shared.safeFiles(), shared.dataStore().root()}),
           manager({versions, shared.dateStrings().formats(), shared.ports().clock}),
-          queue("org.tessaly.tessaly.OpenConflict", shared.ports().executor) {
+          queue(std::string(bundleIdentifier) + ".OpenConflict", shared.ports().executor) {
         manager.setDelegate(this);
     }
 

@@ -35,7 +35,7 @@ struct SideBarFeed::State final : store::CacheListener,
     explicit State(Services& all)
         : services(all),
           sideBar(std::make_shared<search::SideBar>(expandedSideBarItems(all))),
-          queue("org.tessaly.tessaly.SideBarFeed", all.ports().executor) {}
+          queue(std::string(bundleIdentifier) + ".SideBarFeed", all.ports().executor) {}
 
     void cacheChanged(const store::CacheChanges&) override {
         if (!isUpdatePosted.exchange(true)) {

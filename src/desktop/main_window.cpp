@@ -153,7 +153,10 @@ void MainWindow::connectSideBar() {
     });
     connect(_sideBar, &SideBarPane::renamed, this,
             [this](const QString& from, const QString& to) { noteRenamed(utf8(from), utf8(to)); });
-    connect(_sideBar, &SideBarPane::notice, this, &MainWindow::tell);
+    connect(_sideBar, &SideBarPane::notice, this,
+            [this](const QString& text, bool isFailure, const std::function<void()>& undo) {
+                _toast->show(text, isFailure, undo, Toast::UndoKey::none);
+            });
     connect(_sideBar, &SideBarPane::filterRenamed, this,
             [this](const QString& from, const QString& to) {
                 app::ListRequest list = _list->request();

@@ -148,6 +148,7 @@ struct SideBarPane::Parts {
         const SideBarItem* item = key.empty() ? nullptr : feed.sideBar().find(key);
         if (item == nullptr || !item->isVisible()) {
             view->setCurrentIndex({});
+            awaited = item == nullptr ? key : std::string();  // a note that was only just made
             return;
         }
         if (item != current()) {

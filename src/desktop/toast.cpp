@@ -71,8 +71,9 @@ Toast::Toast(QWidget* window) : QWidget(window) {
     hide();
 }
 
-void Toast::show(const QString& text, bool isFailure, std::function<void()> undo) {
+void Toast::show(const QString& text, bool isFailure, std::function<void()> undo, UndoKey key) {
     _undo = std::move(undo);
+    _undoButton->setText(key == UndoKey::tasks ? undoText() : trText("Undo"));
     _sign->setVisible(isFailure);
     _undoButton->setVisible(_undo != nullptr);
     _text->setText(text);

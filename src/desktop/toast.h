@@ -17,9 +17,11 @@ class Toast : public QWidget {
 public:
     explicit Toast(QWidget* window);
 
-    /// With `undo`, which may be empty, there is a button that does it, with the key that takes
-    /// back the newest change of tasks on it.
-    void show(const QString& text, bool isFailure = false, std::function<void()> undo = {});
+    /// Whether the key that takes back the newest change of tasks does what the button does.
+    enum class UndoKey { tasks, none };
+    /// With `undo`, which may be empty, there is a button that does it, with its key on it.
+    void show(const QString& text, bool isFailure = false, std::function<void()> undo = {},
+              UndoKey key = UndoKey::tasks);
     static constexpr int shownMilliseconds = 6000;
 
 protected:
