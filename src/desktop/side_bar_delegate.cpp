@@ -213,10 +213,10 @@ private:
         _painter.setFont(font);
         _painter.setPen(color);
         const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideRight, place.width());
-        _painter.drawText(mirrored(place),
-                          QStyle::visualAlignment(_option.direction, Qt::AlignLeft) |
-                              Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine,
-                          shown);
+        const Qt::Alignment alignment =
+            QStyle::visualAlignment(_option.direction, Qt::AlignLeft) | Qt::AlignAbsolute |
+            Qt::AlignVCenter;
+        _painter.drawText(mirrored(place), static_cast<int>(alignment) | Qt::TextSingleLine, shown);
     }
 
     QPainter& _painter;
