@@ -213,9 +213,8 @@ private:
         _painter.setFont(font);
         _painter.setPen(color);
         const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideRight, place.width());
-        const Qt::Alignment alignment =
-            QStyle::visualAlignment(_option.direction, Qt::AlignLeft) | Qt::AlignAbsolute |
-            Qt::AlignVCenter;
+        const Qt::Alignment alignment = QStyle::visualAlignment(_option.direction, Qt::AlignLeft) |
+                                        Qt::AlignAbsolute | Qt::AlignVCenter;
         _painter.drawText(mirrored(place), static_cast<int>(alignment) | Qt::TextSingleLine, shown);
     }
 
