@@ -15,9 +15,10 @@ constexpr int rounds = isSanitized ? 10 : 60;
 constexpr int editsInRound = 40;
 
 /// Rounds of changes by somebody else, some while earlier ones are worked on; at the end of each,
-/// when `settle` says that all is quiet, memory must hold what the disk holds.
+/// when `settle` says that all is quiet, memory must hold what the disk holds. In at most
+/// `mostMended` rounds it may take another look.
 template <class Settle>
-void check(LiveFolder& live, std::uint32_t seed, const Settle& settle) {
+void check(LiveFolder& live, std::uint32_t seed, const Settle& settle, int mostMended) {
     const LogCapture log;
     Outsider outsider(live.folder(), seed);
     for (int edit = 0; edit < editsInRound; ++edit) {
@@ -37,13 +38,12 @@ void check(LiveFolder& live, std::uint32_t seed, const Settle& settle) {
         CAPTURE(round);
         CAPTURE(story);
         REQUIRE(settle());
-        if (!live.differenceFromDisk().empty()) {
-            ++mended;  // seen once in thousands of rounds: what the look every five seconds is for
+        if (mended < mostMended && !live.differenceFromDisk().empty()) {
+            ++mended;
             REQUIRE(live.settleByLooking());
         }
         REQUIRE(live.differenceFromDisk() == "");
     }
-    CHECK(mended <= 1);
 }
 
 }  // namespace
@@ -51,26 +51,33 @@ void check(LiveFolder& live, std::uint32_t seed, const Settle& settle) {
 TEST_CASE("memory follows whatever others do with the files") {
     for (const std::uint32_t seed : {1U, 2U, 3U}) {
         LiveFolder live;
-        check(live, seed, [&] { return live.settle(); });
+        // Seen once, and not understood yet: a file that was moved into a folder made anew, right
+        // after all notes were taken away, was not there until the next regular look.
+        check(
+            live, seed, [&] { return live.settle(); }, 1);
     }
 }
 
 TEST_CASE("looking now and then mends what lost events have left") {
     for (const std::uint32_t seed : {4U, 5U}) {
         LiveFolder live;
-        check(live, seed, [&] {
-            live.query().lose(100);
-            const bool isSettled = live.settleByLooking();
-            live.query().lose(40);
-            return isSettled;
-        });
+        check(
+            live, seed,
+            [&] {
+                live.query().lose(100);
+                const bool isSettled = live.settleByLooking();
+                live.query().lose(40);
+                return isSettled;
+            },
+            0);
     }
 }
 
 TEST_CASE("folders that cannot be watched are looked at") {
     for (const std::size_t watches : {1U, 4U}) {
         LiveFolder live({.maxWatches = watches});
-        check(live, 6, [&] { return live.settleByLooking(); });
+        check(
+            live, 6, [&] { return live.settleByLooking(); }, 0);
     }
 }
 
