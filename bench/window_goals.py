@@ -60,7 +60,8 @@ class Windows:
 def own_display():
     """An X server that is there as long as the context; gives its name."""
     reading, writing = os.pipe()
-    server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1600x1200x24", "-nolisten", "tcp"],
+    server = subprocess.Popen(["Xvfb", "-noreset", "-displayfd", str(writing), "-screen", "0", "1600x1200x24",
+                               "-nolisten", "tcp"],
                               pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(writing)
     try:

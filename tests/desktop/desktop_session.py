@@ -53,16 +53,21 @@ class DesktopSession:
 
     def __enter__(self):
         try:
-            display = self._start_telling(["Xvfb", "-screen", "0", "1400x900x24", "-nolisten", "tcp", "-displayfd"])
+            # By default a display starts anew when its last client has gone, and sends off who comes just then.
+            display = self._start_telling(["Xvfb", "-noreset", "-screen", "0", "1400x900x24", "-nolisten", "tcp",
+                                           "-displayfd"])
             self.environment["DISPLAY"] = f":{display}"
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_telling(
                 ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"], "=")
-        except BaseException:
-            self.__exit__()
+        except BaseException as failure:
+            self.__exit__(failure)
             raise
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, failure=None, *_):
+        if failure:
+            with open(self.path("said"), encoding="utf-8", errors="replace") as said:
+                print(f"What the programs said:\n{said.read()}", flush=True)
         for child in reversed(self._children):
             if child.poll() is None:
                 child.terminate()
@@ -86,8 +91,9 @@ class DesktopSession:
         return told
 
     def start(self, words, **more):
-        child = subprocess.Popen(words, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.DEVNULL, **more)
+        with open(self.path("said"), "ab") as said:
+            child = subprocess.Popen(words, env=self.environment, stdin=subprocess.DEVNULL, stdout=said, stderr=said,
+                                     **more)
         self._children.append(child)
         return child
 
