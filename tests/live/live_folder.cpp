@@ -112,6 +112,11 @@ bool LiveFolder::isMarkTold() const {
 }
 
 bool LiveFolder::settle() {
+    // A look at everything that has begun might see the mark, and not all that was changed before
+    // it.
+    if (!_executor.waitUntilIdle()) {
+        return false;
+    }
     mark();
     while (!isMarkTold()) {
         // The refresh may ask for an update of its own meanwhile, and so put this one off.
@@ -123,7 +128,6 @@ bool LiveFolder::settle() {
 }
 
 bool LiveFolder::settleByLooking() {
-    // A look that has begun might see the mark, and not all that was changed before it.
     if (!_executor.waitUntilIdle()) {
         return false;
     }

@@ -15,17 +15,15 @@ constexpr int rounds = isSanitized ? 10 : 60;
 constexpr int editsInRound = 40;
 
 /// Rounds of changes by somebody else, some while earlier ones are worked on; at the end of each,
-/// when `settle` says that all is quiet, memory must hold what the disk holds. In at most
-/// `mostMended` rounds it may take another look.
+/// when `settle` says that all is quiet, memory must hold what the disk holds.
 template <class Settle>
-void check(LiveFolder& live, std::uint32_t seed, const Settle& settle, int mostMended) {
+void check(LiveFolder& live, std::uint32_t seed, const Settle& settle) {
     const LogCapture log;
     Outsider outsider(live.folder(), seed);
     for (int edit = 0; edit < editsInRound; ++edit) {
         outsider.edit();
     }
     REQUIRE(live.start());
-    int mended = 0;
     for (int round = 0; round < rounds; ++round) {
         for (int edit = 0; edit < editsInRound; ++edit) {
             if (edit % 8 == 0) {
@@ -38,10 +36,6 @@ void check(LiveFolder& live, std::uint32_t seed, const Settle& settle, int mostM
         CAPTURE(round);
         CAPTURE(story);
         REQUIRE(settle());
-        if (mended < mostMended && !live.differenceFromDisk().empty()) {
-            ++mended;
-            REQUIRE(live.settleByLooking());
-        }
         REQUIRE(live.differenceFromDisk() == "");
     }
 }
@@ -51,33 +45,26 @@ void check(LiveFolder& live, std::uint32_t seed, const Settle& settle, int mostM
 TEST_CASE("memory follows whatever others do with the files") {
     for (const std::uint32_t seed : {1U, 2U, 3U}) {
         LiveFolder live;
-        // Seen once, and not understood yet: a file that was moved into a folder made anew, right
-        // after all notes were taken away, was not there until the next regular look.
-        check(
-            live, seed, [&] { return live.settle(); }, 1);
+        check(live, seed, [&] { return live.settle(); });
     }
 }
 
 TEST_CASE("looking now and then mends what lost events have left") {
     for (const std::uint32_t seed : {4U, 5U}) {
         LiveFolder live;
-        check(
-            live, seed,
-            [&] {
-                live.query().lose(100);
-                const bool isSettled = live.settleByLooking();
-                live.query().lose(40);
-                return isSettled;
-            },
-            0);
+        check(live, seed, [&] {
+            live.query().lose(100);
+            const bool isSettled = live.settleByLooking();
+            live.query().lose(40);
+            return isSettled;
+        });
     }
 }
 
 TEST_CASE("folders that cannot be watched are looked at") {
     for (const std::size_t watches : {1U, 4U}) {
         LiveFolder live({.maxWatches = watches});
-        check(
-            live, 6, [&] { return live.settleByLooking(); }, 0);
+        check(live, 6, [&] { return live.settleByLooking(); });
     }
 }
 
