@@ -2,11 +2,14 @@
 #include "desktop/theme.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QLocale>
 #include <QStringList>
 #include <QStyle>
 #include <QToolTip>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "desktop/plain_style.h"
 #include "desktop/qt_text.h"
@@ -244,15 +247,44 @@ QFont fontOf(const QStringList& families, int pixelSize, QFont::Weight weight) {
     return font;
 }
 
-/// The emoji font is named, since it would be looked for among all fonts otherwise.
-QStringList uiFamilies() {
-    return {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Cantarell"),
-            QStringLiteral("Noto Color Emoji")};
+/// Those that are there. Each that is not would be asked for again, of every font that is made, as
+/// soon as a letter is in none of the first ones.
+QStringList installed(QStringList families) {
+    const QStringList all = QFontDatabase::families();
+    families.removeIf([&all](const QString& family) { return !all.contains(family); });
+    return families;
 }
 
-QStringList codeFamilies() {
-    return {QStringLiteral("JetBrains Mono"), QStringLiteral("Noto Sans Mono"),
-            QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Noto Color Emoji")};
+/// The scripts of the Far East share letters that are drawn differently.
+QString farEastFamily() {
+    switch (QLocale().language()) {
+        case QLocale::Japanese: return QStringLiteral("Noto Sans CJK JP");
+        case QLocale::Korean: return QStringLiteral("Noto Sans CJK KR");
+        default:
+            return QLocale().script() == QLocale::TraditionalHanScript
+                       ? QStringLiteral("Noto Sans CJK TC")
+                       : QStringLiteral("Noto Sans CJK SC");
+    }
+}
+
+/// What the first ones lack would be looked for among all fonts, one by one.
+QStringList withFallbacks(QStringList families) {
+    families += {QStringLiteral("Noto Color Emoji"), farEastFamily(),
+                 QStringLiteral("Droid Sans Fallback")};
+    return installed(std::move(families));
+}
+
+const QStringList& uiFamilies() {
+    static const QStringList families = withFallbacks(
+        {QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Cantarell")});
+    return families;
+}
+
+const QStringList& codeFamilies() {
+    static const QStringList families =
+        withFallbacks({QStringLiteral("JetBrains Mono"), QStringLiteral("Noto Sans Mono"),
+                       QStringLiteral("DejaVu Sans Mono")});
+    return families;
 }
 
 }  // namespace

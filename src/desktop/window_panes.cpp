@@ -28,11 +28,13 @@ WindowPanes::WindowPanes(const Widgets& widgets, QWidget* parent)
     : QSplitter(Qt::Horizontal, parent) {
     setHandleWidth(1);
     setChildrenCollapsible(false);
-    for (QWidget* pane : {widgets.sideBar, widgets.list, widgets.middle, widgets.right}) {
-        addWidget(pane);
-    }
+    const std::array<QWidget*, paneCount> panes{widgets.sideBar, widgets.list, widgets.middle,
+                                                widgets.right};
     for (int index = 0; index < paneCount; ++index) {
-        widget(index)->setMinimumWidth(boundsOf(static_cast<Pane>(index)).least);
+        QWidget* const pane = panes[static_cast<std::size_t>(index)];
+        // Before it is added: each change afterwards measures all panes anew.
+        pane->setMinimumWidth(boundsOf(static_cast<Pane>(index)).least);
+        addWidget(pane);
         setStretchFactor(index, index == static_cast<int>(Pane::middle) ? 1 : 0);
     }
     connect(this, &QSplitter::splitterMoved, this, [this] {
