@@ -25,6 +25,7 @@
 #include "platform/posix_file_system.h"
 #include "platform/system_clock.h"
 #include "platform/telling_stamps.h"
+#include "platform/trash_return.h"
 #include "platform/xdg_folders.h"
 
 namespace tessaly::host {
@@ -35,6 +36,13 @@ namespace {
 std::string runtimeFolder() {
     const char* folder = std::getenv("XDG_RUNTIME_DIR");
     return folder == nullptr ? std::string{} : folder;
+}
+
+/// The command, beside the program that runs, be that itself or the desktop's.
+std::string commandProgram() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / "tessaly").string();
 }
 
 base::Result<std::unique_ptr<ports::Clock>> makeClock(const std::optional<std::string>& now) {
@@ -99,7 +107,9 @@ struct ProgramHost::Adapters {
                 platform::gioTrash(),
                 options.questions,
                 options.dataFolder,
-                std::getenv("TEST_MODE") != nullptr};
+                std::getenv("TEST_MODE") != nullptr,
+                platform::followedProcesses(commandProgram()),
+                platform::trashReturn()};
     }
 
     const ports::StandardFolders folders = platform::xdgFolders("tessaly");

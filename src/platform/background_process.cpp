@@ -5,7 +5,9 @@
 #include <climits>
 #include <csignal>
 #include <fcntl.h>
+#include <memory>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include <linux/close_range.h>
@@ -20,7 +22,7 @@ namespace tessaly::platform {
 
 namespace {
 
-constexpr char program[] = "/proc/self/exe";
+constexpr char thisProgram[] = "/proc/self/exe";
 
 // Between fork and exec there is one thread, and whatever lock another one held is held for ever:
 // what follows makes system calls only.
@@ -62,7 +64,7 @@ bool leaveStreams() {
 }
 
 /// Runs the program in place of this process; comes back with an error number alone.
-int become(char* const* arguments) {
+int become(const char* program, char* const* arguments) {
     resetSignals();
     lowerPriority();
     if (!leaveStreams()) {
@@ -80,10 +82,15 @@ int become(char* const* arguments) {
 }
 
 /// The child of this process ends at once, so that nobody has to wait for the one that stays.
-[[noreturn]] void runInChild(char* const* arguments, int told) {
+[[noreturn]] void runInGrandchild(const char* program, char* const* arguments, int told) {
     ::setsid();
     const pid_t child = ::fork();
-    endWith(child < 0 ? errno : child == 0 ? become(arguments) : 0, told);
+    endWith(child < 0 ? errno : child == 0 ? become(program, arguments) : 0, told);
+}
+
+[[noreturn]] void runInChild(const char* program, char* const* arguments, int told) {
+    ::setsid();
+    endWith(become(program, arguments), told);
 }
 
 /// While it lives, no handler of this process runs in a child that is not yet another program.
@@ -109,46 +116,99 @@ int errorTold(int pipe) {
     return count == static_cast<ssize_t>(sizeof error) ? error : 0;
 }
 
-int start(char* const* arguments) {
+using Run = void (*)(const char* program, char* const* arguments, int told);
+
+/// The child and, where no program was started, the error number.
+struct Started {
+    pid_t child = -1;
+    int error = 0;
+};
+
+Started startChild(const char* program, char* const* arguments, Run run) {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) {
-        return errno;
+        return {-1, errno};
     }
     const FileDescriptor ours(ends[0]);
     FileDescriptor theirs(ends[1]);
-    pid_t child = -1;
+    Started started;
     {
         const BlockedSignals blocked;
-        child = ::fork();
-        if (child == 0) {
-            runInChild(arguments, theirs.get());
+        started.child = ::fork();
+        if (started.child == 0) {
+            run(program, arguments, theirs.get());
         }
+        started.error = started.child < 0 ? errno : 0;
     }
-    if (child < 0) {
-        return errno;
+    if (started.child > 0) {
+        theirs = FileDescriptor(-1);
+        started.error = errorTold(ours.get());
     }
-    theirs = FileDescriptor(-1);
-    uninterrupted([&] { return ::waitpid(child, nullptr, 0); });
-    return errorTold(ours.get());
+    return started;
 }
 
-base::Result<base::Done> startAgain(std::vector<std::string> arguments) {
+Started start(const std::string& program, std::vector<std::string> arguments, Run run) {
     arguments.insert(arguments.begin(), "tessaly");
     std::vector<char*> words;
     for (std::string& argument : arguments) {
         words.push_back(argument.data());
     }
     words.push_back(nullptr);
-    if (const int error = start(words.data()); error != 0) {
-        return errnoFailure(error, program);
-    }
-    return base::Done{};
+    return startChild(program.c_str(), words.data(), run);
 }
+
+void waitFor(pid_t child) {
+    if (child > 0) {
+        uninterrupted([&] { return ::waitpid(child, nullptr, 0); });
+    }
+}
+
+base::Result<base::Done> startAgain(const std::vector<std::string>& arguments) {
+    const Started started = start(thisProgram, arguments, runInGrandchild);
+    waitFor(started.child);
+    return started.error == 0 ? base::Result(base::Done{})
+                              : errnoFailure(started.error, thisProgram);
+}
+
+/// A child's number is nobody else's until it has been waited for.
+class FollowedProcess final : public ports::FollowedJob {
+public:
+    explicit FollowedProcess(pid_t child) : _child(child) {}
+    ~FollowedProcess() override { (void)hasEnded(); }
+
+    bool hasEnded() override {
+        if (_child > 0 && uninterrupted([&] { return ::waitpid(_child, nullptr, WNOHANG); }) != 0) {
+            _child = 0;
+        }
+        return _child == 0;
+    }
+    void end() override {
+        if (!hasEnded()) {
+            ::kill(_child, SIGINT);
+        }
+    }
+
+private:
+    pid_t _child;  ///< 0: it has ended
+};
 
 }  // namespace
 
 ports::BackgroundJob backgroundProcess() {
     return startAgain;
+}
+
+ports::FollowedJobs followedProcesses(std::string program) {
+    return [program = std::move(program)](const std::vector<std::string>& arguments)
+               -> base::Result<std::unique_ptr<ports::FollowedJob>> {
+        const Started started = start(program, arguments, runInChild);
+        if (started.error != 0) {
+            waitFor(started.child);
+            return errnoFailure(started.error, program);
+        }
+        return std::unique_ptr<ports::FollowedJob>(
+            std::make_unique<FollowedProcess>(started.child));
+    };
 }
 
 }  // namespace tessaly::platform

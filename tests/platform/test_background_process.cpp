@@ -114,5 +114,49 @@ TEST_CASE("a process in the background has nothing of who started it") {
     CHECK(report["blocked"] == "0");
 }
 
+/// Run by the process that the test below starts: until it is asked to end.
+TEST_CASE("what waits to be ended" * doctest::skip()) {
+    if (std::getenv(reportVariable) != nullptr) {
+        std::this_thread::sleep_for(std::chrono::minutes(5));
+    }
+}
+
+bool endsSoon(ports::FollowedJob& job) {
+    for (int trial = 0; trial < 3000 && !job.hasEnded(); ++trial) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return job.hasEnded();
+}
+
+TEST_CASE("a process that is followed is known to have ended, of itself or as it was asked") {
+    const tests::TempFolder folder;
+    const tests::Environment environment({{reportVariable, folder / "report"}});
+    const auto start = followedProcesses("/proc/self/exe");
+
+    const auto waiting = start({"--test-case=what waits to be ended", "--no-skip"});
+    REQUIRE(waiting);
+    CHECK_FALSE((*waiting)->hasEnded());
+    (*waiting)->end();
+    CHECK(endsSoon(**waiting));
+    (*waiting)->end();
+
+    const auto working = start({"--test-case=what a process in the background finds", "--no-skip"});
+    REQUIRE(working);
+    auto report = reportIn(folder);
+    CHECK(report["session"] != std::to_string(::getsid(0)));
+    CHECK(report["nice"] == "19");
+    CHECK(report["out"] == "/dev/null");
+    CHECK(endsSoon(**working));
+    CHECK(::waitpid(-1, nullptr, WNOHANG) == -1);  // nothing is left to be waited for
+}
+
+TEST_CASE("a program that is not there is no process") {
+    const tests::TempFolder folder;
+    const auto started = followedProcesses(folder / "none")({});
+    REQUIRE_FALSE(started);
+    CHECK(started.failure().kind == base::Failure::Kind::notFound);
+    CHECK(::waitpid(-1, nullptr, WNOHANG) == -1);
+}
+
 }  // namespace
 }  // namespace tessaly::platform

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <unistd.h>
@@ -9,6 +11,7 @@
 #include <sys/wait.h>
 
 #include "platform/gio_trash.h"
+#include "platform/trash_return.h"
 #include "support/environment.h"
 #include "support/failure_kind.h"
 #include "support/temp_folder.h"
@@ -105,6 +108,51 @@ void checkVolumeWithoutTrash(const TempFolder& folder, const ports::Trash& trash
     CHECK(elsewhere.read("note") == "kept");
 }
 
+struct ReturnedRow {
+    const char* what;
+    const char* name;  // below "notes"
+    void (*meanwhile)(const TempFolder& folder);
+    std::optional<Failure::Kind> failure;
+    const char* bytes;  // that lie there then
+};
+
+void checkReturned(const TempFolder& folder, const ports::Trash& trash) {
+    const auto nothing = [](const TempFolder&) {};
+    const ReturnedRow rows[] = {
+        {"a file", "plans.txt", nothing, std::nullopt, "trashed"},
+        {"an odd name", "y%41 \xc3\xa4.txt", nothing, std::nullopt, "trashed"},
+        {"a folder", "work/plans.txt", nothing, std::nullopt, "trashed"},
+        {"its name is taken", "taken.txt",
+         [](const TempFolder& here) { here.write("notes/taken.txt", "other"); },
+         Failure::Kind::exists, "other"},
+        {"the trash is emptied", "gone.txt",
+         [](const TempFolder& here) { std::filesystem::remove_all(here / "data/Trash/files"); },
+         Failure::Kind::notFound, "-"},
+    };
+    for (const ReturnedRow& row : rows) {
+        CAPTURE(row.what);
+        const std::string name = std::string("notes/") + row.name;
+        const std::string file = folder.write(name, "older");
+        REQUIRE(trash(file));
+        folder.write(name, "trashed");
+        const bool isFolder = name.find("work") != name.npos;
+        const std::string item = isFolder ? folder / "notes/work" : file;
+        REQUIRE(trash(item));
+        const auto found = trashReturn()(item);
+        REQUIRE(found);
+        row.meanwhile(folder);
+        CHECK(failureKind((*found)()) == row.failure);
+        CHECK((folder.exists(name) ? folder.read(name) : "-") == row.bytes);
+        const std::size_t left = row.failure ? 2 : 1;  // records: the older one, and this
+        const auto records = folder.names("data/Trash/info");
+        const std::string stem = isFolder ? "work" : std::string(row.name).substr(0, 4);
+        CHECK(std::count_if(records.begin(), records.end(), [&](const std::string& record) {
+                  return record.starts_with(stem);
+              }) == static_cast<std::ptrdiff_t>(isFolder ? 0 : left));
+    }
+    CHECK(failureKind(trashReturn()(folder / "notes/never")) == Failure::Kind::notFound);
+}
+
 // One case for all: GLib looks up the user's folders once in a process.
 TEST_CASE("a trashed file lies in the user's trash, with the place it came from") {
     const TempFolder folder;
@@ -112,6 +160,7 @@ TEST_CASE("a trashed file lies in the user's trash, with the place it came from"
         {{"HOME", folder.path()}, {"XDG_DATA_HOME", folder / "data"}});
     const ports::Trash trash = gioTrash();
     checkTrashed(folder, trash);
+    checkReturned(folder, trash);
     checkRefused(folder, trash);
     checkVolumeWithoutTrash(folder, trash);
 }
