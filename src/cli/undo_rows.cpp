@@ -77,6 +77,9 @@ std::string wordsOf(const Operation& operation) {
     const auto row = std::find_if(causes.begin(), causes.end(), [&](const CauseWords& one) {
         return one.cause == operation.cause;
     });
+    if (operation.cause == ChangeCause::scheduled && !operation.day) {
+        return fmt::format(fmt::runtime(tr("Scheduled to several days: {0}")), titleOf(operation));
+    }
     const std::string day = operation.day ? base::tagText(*operation.day) : std::string{};
     return fmt::format(fmt::runtime(row == causes.end() ? "{0}" : tr(row->text)),
                        titleOf(operation), day);

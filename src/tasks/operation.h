@@ -45,7 +45,7 @@ struct Operation {
     std::uint64_t number = 0;  ///< its place in the journal; 0: not there yet
     base::Instant time{};
     store::ChangeCause cause = store::ChangeCause::completed;
-    std::optional<base::Day> day;  ///< that it schedules to
+    std::optional<base::Day> day;  ///< that it schedules to; nothing: to several
     std::size_t tasks = 0;         ///< how many lines the user named
     /// What the first of them reads, without marker and box, cut for display.
     std::string title;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tasks/task_operations.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <vector>
@@ -128,7 +129,12 @@ Outcome TaskOperations::reopen(References tasks) {
 }
 
 Outcome TaskOperations::schedule(References tasks, base::Day day) {
-    if (!hasNote(day)) {
+    const DayOfTasks only{day, {tasks.begin(), tasks.end()}};
+    return schedule({&only, 1});
+}
+
+Outcome TaskOperations::schedule(std::span<const DayOfTasks> days) {
+    if (!std::all_of(days.begin(), days.end(), [](const auto& one) { return hasNote(one.day); })) {
         return noSuchDay();
     }
     return run(
@@ -138,11 +144,13 @@ Outcome TaskOperations::schedule(References tasks, base::Day day) {
                 plan.letCopiesStay();
             }
             SchedulePlan schedule(plan, _settings);
-            for (const Named& named : actionable(plan, tasks)) {
-                schedule.schedule(named, day);
+            for (const auto& [day, tasks] : days) {
+                for (const Named& named : actionable(plan, tasks)) {
+                    schedule.schedule(named, day);
+                }
             }
         },
-        day);
+        days.size() == 1 ? std::optional(days.front().day) : std::nullopt);
 }
 
 Outcome TaskOperations::scheduleAllOpen(base::Day source, base::Day day) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/day.h"
 #include "base/failure.h"
@@ -51,6 +52,12 @@ public:
     /// that day is one and is still open. Done and cancelled tasks are refused. To the day of its
     /// own note a task is not copied; nor from a general note where a setting says so.
     base::Result<TaskOutcome> schedule(References tasks, base::Day day);
+    /// The same for tasks that go to several days; a task counts for the first day it is given for.
+    struct DayOfTasks {
+        base::Day day{};
+        std::vector<TaskReference> tasks;
+    };
+    base::Result<TaskOutcome> schedule(std::span<const DayOfTasks> days);
     /// The same for every open task of a day's note; refused when there is no such note.
     base::Result<TaskOutcome> scheduleAllOpen(base::Day source, base::Day day);
 
