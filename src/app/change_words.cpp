@@ -37,6 +37,11 @@ struct GestureWords {
     std::string (*many)(unsigned long count);
 };
 
+std::string toSeveralDays(unsigned long count) {
+    return trPlural("Scheduled {0} task to several days", "Scheduled {0} tasks to several days",
+                    count);
+}
+
 std::string alreadySo(unsigned long count) {
     return trPlural("{0} task is so already", "{0} tasks are so already", count);
 }
@@ -59,12 +64,16 @@ const std::array gestureWords{
                      return trPlural("Scheduled {0} task to {1}", "Scheduled {0} tasks to {1}",
                                      count);
                  }},
+    GestureWords{What::archived, N_("Archived the processed tasks of this note."),
+                 [](unsigned long) { return tr("Archived the processed tasks of this note."); }},
     GestureWords{What::alreadyDone, N_("“{0}” is done already"), alreadySo},
     GestureWords{What::alreadyCancelled, N_("“{0}” is cancelled already"), alreadySo},
     GestureWords{What::alreadyOpen, N_("“{0}” is open already"), alreadySo},
     GestureWords{What::alreadyScheduled, N_("“{0}” is scheduled to {1} already"), alreadySo},
+    GestureWords{What::nothingToArchive, N_("There is nothing to archive in this note."),
+                 alreadySo},
 };
-constexpr std::size_t changingGestures = 4;  // of the rows, the first
+constexpr std::size_t changingGestures = 5;  // of the rows, the first
 
 struct UndoWords {
     ChangeCause cause;
@@ -105,7 +114,11 @@ std::string wordsOf(const GestureWords& row, const std::vector<const TaskChange*
         return fmt::format(fmt::runtime(tr(row.one)), titleOf(first, words), day);
     }
     const std::string count = words.dates.formats().number(static_cast<long long>(changes.size()));
-    return fmt::format(fmt::runtime(row.many(changes.size())), count, day);
+    const bool isOneDay =
+        std::all_of(changes.begin(), changes.end(),
+                    [&](const TaskChange* change) { return change->day == first.day; });
+    const std::string pattern = isOneDay ? row.many(changes.size()) : toSeveralDays(changes.size());
+    return fmt::format(fmt::runtime(pattern), count, day);
 }
 
 std::vector<const TaskChange*> changesThat(const TaskOutcome& outcome, What what) {

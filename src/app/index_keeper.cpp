@@ -69,6 +69,19 @@ store::ReadReport addNotes(Services& services, const store::NoteReader::Options&
     });
 }
 
+bool isIndexDue(Services& services) {
+    const auto place = indexPlace(services);
+    return place && place->whyNot.empty() && !wasJustWritten(services, place->file);
+}
+
+std::vector<std::string> indexCommand(Services& services) {
+    return {"--root", services.dataStore().root(), "index"};
+}
+
+void tellNotStarted(const Failure& failure) {
+    base::log("could not start writing the start-up index: ", failure.description);
+}
+
 }  // namespace
 
 IndexState indexState(Services& services) {
@@ -124,15 +137,24 @@ base::Result<WrittenIndex> writeIndex(Services& services, store::NoteReader::Opt
 }
 
 void refreshIndexLater(Services& services) {
-    const auto place = indexPlace(services);
-    if (!place || !place->whyNot.empty() || wasJustWritten(services, place->file)) {
+    if (!isIndexDue(services)) {
         return;
     }
-    const auto started =
-        services.ports().background({"--root", services.dataStore().root(), "index"});
-    if (!started) {
-        base::log("could not start writing the start-up index: ", started.failure().description);
+    if (const auto started = services.ports().background(indexCommand(services)); !started) {
+        tellNotStarted(started.failure());
     }
+}
+
+std::unique_ptr<ports::FollowedJob> refreshIndexFollowed(Services& services) {
+    if (!services.ports().followedJob || !isIndexDue(services)) {
+        return nullptr;
+    }
+    auto started = services.ports().followedJob(indexCommand(services));
+    if (!started) {
+        tellNotStarted(started.failure());
+        return nullptr;
+    }
+    return std::move(started).value();
 }
 
 }  // namespace tessaly::app

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -39,5 +40,8 @@ base::Result<WrittenIndex> writeIndex(Services& services, store::NoteReader::Opt
 /// minute of the last. To be called when a reading has said that it is stale, and nobody waits. A
 /// failure is logged: "could not start writing the start-up index: " and why.
 void refreshIndexLater(Services& services);
+
+/// The same by a process that is followed; null: none was started. Any thread.
+std::unique_ptr<ports::FollowedJob> refreshIndexFollowed(Services& services);
 
 }  // namespace tessaly::app

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/index_keeper.h"
+#include "base/localisation.h"
 
 namespace tessaly::app {
 
@@ -17,12 +18,22 @@ constexpr auto readyInterval = 20ms;
 }  // namespace
 
 LiveNotes::LiveNotes(Services& services, Handlers handlers)
-    : _services(services), _handlers(std::move(handlers)), _mainQueue(services.ports().mainQueue) {}
+    : _services(services),
+      _handlers(std::move(handlers)),
+      _mainQueue(services.ports().mainQueue),
+      _queue(std::string(bundleIdentifier) + ".LiveNotes", services.ports().executor) {
+    services.safeFiles();  // what other threads ask for must be there before
+}
 
 LiveNotes::~LiveNotes() {
     _mainQueue.cancel(_readyTimer);
     _mainQueue.cancel(_settingsTimer);
+    _mainQueue.cancel(_indexTimer);
+    if (_migration) {
+        _migration->cancel();
+    }
     _services.endCloudSync();
+    _queue.sync([] {});
     _services.noteCache().waitUntilIdle();
 }
 
@@ -89,12 +100,45 @@ void LiveNotes::tellIfReady() {
     });
 }
 
+/// What it returns is done on the main queue then.
+void LiveNotes::inBackground(std::function<std::function<void()>()> work) {
+    _queue.async([&mainQueue = _mainQueue, alive = std::weak_ptr(_alive), work = std::move(work)] {
+        mainQueue.post([alive, then = work()] {
+            if (!alive.expired()) {
+                then();
+            }
+        });
+    });
+}
+
 /// The notes are in memory from now on; the index is for who starts later.
 void LiveNotes::keepIndex() {
     _services.startUpIndex().forget();
-    if (isIndexStale(*_services.noteCache().loadReport())) {
-        refreshIndexLater(_services);
+    if (!isIndexStale(*_services.noteCache().loadReport())) {
+        return;
     }
+    inBackground([this, &services = _services]() -> std::function<void()> {
+        std::shared_ptr<ports::FollowedJob> job = refreshIndexFollowed(services);
+        return [this, job] { followIndex(job); };
+    });
+}
+
+/// How far it is, the process does not tell.
+void LiveNotes::followIndex(std::shared_ptr<ports::FollowedJob> job) {
+    if (!job) {
+        return;
+    }
+    const auto work = std::make_shared<LongWork>(base::tr("Preparing the next start"),
+                                                 LongWork::Cancel::possible, LongWork::Count::none);
+    begin(work);
+    _indexTimer = _mainQueue.every(indexInterval, [this, work, job, isAsked = false]() mutable {
+        if (job->hasEnded()) {
+            _mainQueue.cancel(std::exchange(_indexTimer, 0));
+            end(work);
+        } else if (work->cancelled() && !std::exchange(isAsked, true)) {
+            job->end();
+        }
+    });
 }
 
 /// Or never will be, for now.
@@ -113,9 +157,53 @@ void LiveNotes::offer() {
     if (!_isReady) {
         return;
     }
-    const auto result = offerMigration(_services);
-    if (result && _handlers.onMigration) {
-        _handlers.onMigration(*result);
+    const auto answer = putMigrationOffer(_services);
+    if (!answer) {
+        return;
+    }
+    if (*answer && **answer == sync::MigrationAnswer::move) {
+        migrateNotes();
+    } else {
+        tellOfMigration({*answer, std::nullopt});
+    }
+}
+
+void LiveNotes::migrateNotes() {
+    _migration = std::make_shared<LongWork>(base::tr("Moving notes to the cloud drive"),
+                                            LongWork::Cancel::possible);
+    begin(_migration);
+    inBackground([this, &services = _services, work = _migration]() -> std::function<void()> {
+        work->tellTotal(filesToMigrate(services));
+        auto report = migrate(
+            services, {[work](std::size_t files) { work->tell(files); }, &work->cancelled()});
+        return [this, work, report = std::move(report)] { migrated(work, report); };
+    });
+}
+
+void LiveNotes::migrated(const std::shared_ptr<LongWork>& work, const store::MoveReport& report) {
+    _migration.reset();
+    end(work);
+    if (isWhole(report)) {
+        _services.migrationOffer().tellOfMove();
+    }
+    tellOfMigration({sync::MigrationAnswer::move, report});
+}
+
+void LiveNotes::tellOfMigration(const OfferResult& result) {
+    if (_handlers.onMigration) {
+        _handlers.onMigration(result);
+    }
+}
+
+void LiveNotes::begin(const std::shared_ptr<LongWork>& work) {
+    if (_handlers.onWork) {
+        _handlers.onWork(work);
+    }
+}
+
+void LiveNotes::end(const std::shared_ptr<LongWork>& work) {
+    if (_handlers.onWorkEnded) {
+        _handlers.onWorkEnded(work);
     }
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <string>
 
 #include "app/services.h"
 #include "store/data_store.h"
@@ -24,6 +26,9 @@ Migration migrationState(Services& services);
 /// `DataStore::moveAllToCloudDrive`.
 store::MoveReport migrate(Services& services, const store::MoveOptions& options = {});
 
+/// How many files `migrate` would move; counted while others may change them.
+std::size_t filesToMigrate(Services& services);
+
 /// Whether nothing stayed behind.
 bool isWhole(const store::MoveReport& report);
 
@@ -33,10 +38,12 @@ struct OfferResult {
     std::optional<store::MoveReport> moved;      ///< when that was the answer
 };
 
-/// Puts the offer once in a run, when there is something to move and the user wants such offers;
-/// moves the notes when that is the answer, and tells the user when all have been moved. Nothing:
-/// the offer was not put. Main queue.
-std::optional<OfferResult> offerMigration(Services& services,
-                                          const store::MoveOptions& options = {});
+/// Puts the offer once in a run, when there is something to move and the user wants such offers.
+/// Nothing: it was not put. Failure: as of `MigrationOffer::ask`. Main queue.
+std::optional<base::Result<sync::MigrationAnswer>> putMigrationOffer(Services& services);
+
+/// What the user is to know of it: that files stay where they were, or that no further offers are
+/// wanted could not be stored. Empty: nothing.
+std::string wordsOfMigration(Services& services, const OfferResult& result);
 
 }  // namespace tessaly::app

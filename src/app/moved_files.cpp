@@ -94,6 +94,22 @@ void addTo(std::vector<store::CloudNote>& notes, const std::string& path,
     notes.push_back(std::move(note));
 }
 
+/// With all notes below, if it is a folder.
+void addAllIn(ports::FileSystem& files, const std::string& path,
+              std::vector<store::CloudNote>& notes) {
+    addTo(notes, path, store::UpdateType::added);
+    const auto entries = files.list(path);
+    if (!entries) {
+        return;
+    }
+    for (const ports::FolderEntry& entry : *entries) {
+        const store::EntryRole role = store::entryRole(entry);
+        if (role == store::EntryRole::folder || role == store::EntryRole::note) {
+            addAllIn(files, store::joined(path, entry.name), notes);
+        }
+    }
+}
+
 }  // namespace
 
 std::string FiledItem::folder() const {
@@ -237,6 +253,16 @@ void tellCacheOfMove(Services& services, const std::string& from, const std::str
             }
         }
     }
+    services.noteCache().onCloudUpdate(batch);
+}
+
+void tellCacheOfReturn(Services& services, const std::string& name) {
+    const auto root = services.ports().files.resolve(services.dataStore().root());
+    if (!root) {
+        return;
+    }
+    store::CloudBatch batch{*root, {}, store::CloudBatch::Kind::later};
+    addAllIn(services.ports().files, store::joined(notesPath(*root), name), batch.notes);
     services.noteCache().onCloudUpdate(batch);
 }
 

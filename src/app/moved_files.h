@@ -43,5 +43,7 @@ base::Result<std::string> moveToFreeName(Services& services, const FiledItem& no
 /// Has the cache look at what has another name now, and at all notes in it if it is a folder;
 /// either name may be empty.
 void tellCacheOfMove(Services& services, const std::string& from, const std::string& to);
+/// Has the cache look at a note that has come, or at a folder and all notes in it.
+void tellCacheOfReturn(Services& services, const std::string& name);
 
 }  // namespace tessaly::app

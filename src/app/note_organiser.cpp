@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "app/organise_notes.h"
+#include "app/trashed_items.h"
 #include "base/localisation.h"
 #include "base/note_type.h"
 #include "base/serial_queue.h"
@@ -76,7 +77,36 @@ std::string textOfTrashed(const std::string& folder, std::size_t notes) {
 struct NoteOrganiser::State : std::enable_shared_from_this<NoteOrganiser::State> {
     explicit State(Services& all)
         : services(all),
-          queue(std::string(bundleIdentifier) + ".NoteOrganiser", all.ports().executor) {}
+          queue(std::string(bundleIdentifier) + ".NoteOrganiser", all.ports().executor) {
+        // What other threads ask for must be there before.
+        all.dataStore();
+        all.noteCache();
+    }
+
+    /// The same with what has another name then, or none.
+    void move(const std::string& from, std::function<OrganisedNotes(Services&)> work, Told told) {
+        const auto moving = [from, work = std::move(work)](Services& all) {
+            NoteMoves::Move move(all.noteMoves(), from);
+            OrganisedNotes what = work(all);
+            if (!what.isFailure && !what.to.empty()) {
+                move.done(what.to);
+            }
+            return what;
+        };
+        run(moving, std::move(told));
+    }
+
+    /// The same with what is to go: until that is told, nobody types into it.
+    void remove(const std::string& name, std::function<OrganisedNotes(Services&)> work, Told told) {
+        services.noteMoves().beginRemoval(name);
+        const auto tellEnd = [this, name, told = std::move(told)](const OrganisedNotes& what) {
+            if (told) {
+                told(what);
+            }
+            services.noteMoves().endRemoval(name);
+        };
+        move(name, std::move(work), tellEnd);
+    }
 
     /// Does `work` in the background and tells of it.
     void run(std::function<OrganisedNotes(Services&)> work, Told told) {
@@ -115,7 +145,7 @@ void NoteOrganiser::renameNote(const std::string& filename, const std::string& t
         }
         return what;
     };
-    _state->run(work, told);
+    _state->move(filename, work, told);
 }
 
 void NoteOrganiser::moveNote(const std::string& filename, const std::string& folder, Told told) {
@@ -132,22 +162,51 @@ void NoteOrganiser::moveNote(const std::string& filename, const std::string& fol
         };
         return what;
     };
-    _state->run(work, told);
+    _state->move(filename, work, told);
 }
 
 void NoteOrganiser::trashNote(const std::string& filename, Told told) {
     const std::string title = heldTitle(_state->services, filename);
-    const auto work = [=](Services& services) {
+    const auto work = [=, this](Services& services) {
         const auto trashed = services.dataStore().trashNote(base::NoteType::note, filename);
         if (!trashed) {
             return refused(trashed.failure());
         }
         services.noteCache().reread(base::NoteType::note, filename);
-        return done(words(*trashed == store::Trashed::toSystemTrash
-                              ? tr("“{}” is in the trash")
-                              : tr("“{}” is removed; its text is in the history"),
-                          title),
-                    filename, {});
+        return withReturn(done(words(*trashed == store::Trashed::toSystemTrash
+                                         ? tr("“{}” is in the trash")
+                                         : tr("“{}” is removed; its text is in the history"),
+                                     title),
+                               filename, {}),
+                          trashedItem(services, filename), told);
+    };
+    _state->remove(filename, work, told);
+}
+
+OrganisedNotes NoteOrganiser::withReturn(OrganisedNotes what, const TrashedItem& item,
+                                         const Told& told) {
+    if (item.canComeBack()) {
+        what.undo = [this, item, told] {
+            const auto work = [item](Services& services) {
+                const auto back = bringBack(services, item);
+                return back ? done(words(tr("“{}” is back"), nameInWords(item.name)), {}, item.name)
+                            : refused(back.failure());
+            };
+            _state->run(work, told);
+        };
+    }
+    return what;
+}
+
+void NoteOrganiser::newNote(const NoteRequest& request, Told told) {
+    const auto work = [request](Services& services) {
+        const auto made = app::newNote(services, request);
+        if (!made) {
+            return refused(made.failure());
+        }
+        services.noteCache().reread(base::NoteType::note, made->note.filename);
+        return done(words(tr("Made the note “{}”"), nameInWords(made->note.filename)), {},
+                    made->note.filename);
     };
     _state->run(work, std::move(told));
 }
@@ -174,7 +233,7 @@ void NoteOrganiser::renameFolder(const std::string& folder, const std::string& n
         what.undo = [this, to = *to, before, told] { renameFolder(to, before, told); };
         return what;
     };
-    _state->run(work, told);
+    _state->move(folder, work, told);
 }
 
 void NoteOrganiser::moveFolder(const std::string& folder, const std::string& parent, Told told) {
@@ -191,15 +250,17 @@ void NoteOrganiser::moveFolder(const std::string& folder, const std::string& par
         };
         return what;
     };
-    _state->run(work, told);
+    _state->move(folder, work, told);
 }
 
 void NoteOrganiser::trashFolder(const std::string& folder, Told told) {
-    const auto work = [=](Services& services) {
+    const auto work = [=, this](Services& services) {
         const auto notes = app::trashFolder(services, folder);
-        return notes ? done(textOfTrashed(folder, *notes), folder, {}) : refused(notes.failure());
+        return notes ? withReturn(done(textOfTrashed(folder, *notes), folder, {}),
+                                  trashedItem(services, folder), told)
+                     : refused(notes.failure());
     };
-    _state->run(work, std::move(told));
+    _state->remove(folder, work, told);
 }
 
 void NoteOrganiser::renameFilter(const std::string& from, const std::string& to, Told told) {

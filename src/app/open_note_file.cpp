@@ -63,15 +63,20 @@ std::string_view endOf(std::string_view name, std::size_t most) {
 }  // namespace
 
 OpenNoteFile::OpenNoteFile(Services& services, NoteAddress address)
-    : _services(services), _address(std::move(address)) {
+    : _services(services), _address(std::move(address)), _since(services.noteMoves().count()) {
     // What other threads ask for must be there before.
     services.dataStore();
     services.noteCache();
 }
 
+NoteMoves::Stay OpenNoteFile::stay() const {
+    return {_services.noteMoves(), canMove() ? _address.filename : std::string(), _since};
+}
+
 base::Result<FileText> OpenNoteFile::read() const {
+    const NoteMoves::Stay stays = stay();
     const std::string root = _services.dataStore().root();
-    const auto path = _services.dataStore().pathOf(_address.type, _address.filename);
+    const auto path = _services.dataStore().pathOf(_address.type, nameOf(stays));
     if (!path) {
         return path.failure();
     }
@@ -111,8 +116,9 @@ base::Result<FileText> OpenNoteFile::write(const FileText& known, const std::str
     const Ports& ports = _services.ports();
     const store::DataStore::Tools tools{ports.files, ports.changes, _services.safeFiles(),
                                         ports.trash, ports.clock,   ports.executor};
+    const NoteMoves::Stay stays = stay();
     const std::string root = dataStore.root();
-    const auto path = dataStore.pathOf(_address.type, _address.filename);
+    const auto path = dataStore.pathOf(_address.type, nameOf(stays));
     if (!path) {
         return path.failure();
     }
@@ -137,7 +143,9 @@ base::Result<FileText> OpenNoteFile::write(const FileText& known, const std::str
 }
 
 void OpenNoteFile::tellCache() const {
-    _services.noteCache().reread(_address.type, _address.filename);
+    _services.noteCache().reread(
+        _address.type,
+        canMove() ? _services.noteMoves().nameNow(_address.filename, _since) : _address.filename);
 }
 
 base::Result<std::string> OpenNoteFile::keepCopy(const std::string& text) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "app/note_address.h"
@@ -17,8 +18,9 @@ struct FileText {
 };
 
 /// The file of a note that is open: how its text is read, and how what was typed gets into it. The
-/// data folder is looked up each time. Failures are in words for the user, and not logged. Any
-/// thread; blocks for the disk.
+/// data folder is looked up each time, and so is the name that a general note has by then: see
+/// `NoteMoves`. Failures are in words for the user, and not logged. Any thread; blocks for the
+/// disk.
 class OpenNoteFile {
 public:
     /// `services` outlives it. Main thread.
@@ -45,11 +47,18 @@ private:
         std::string root;
         std::string path;
     };
+    bool canMove() const { return _address.type == base::NoteType::note; }
+    /// The name that the note has, and keeps for as long as what is returned lives.
+    NoteMoves::Stay stay() const;
+    const std::string& nameOf(const NoteMoves::Stay& stays) const {
+        return canMove() ? stays.name() : _address.filename;
+    }
     base::Result<FileText> edit(const Place& place, const FileText& known,
                                 const std::string& mine) const;
 
     Services& _services;
     const NoteAddress _address;
+    const std::size_t _since;  ///< of `NoteMoves`: the note was called so then
 };
 
 }  // namespace tessaly::app

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/note_moves.h"
 #include "app/start_up_index.h"
 #include "base/executor.h"
 #include "base/locale_formats.h"
@@ -18,12 +19,14 @@
 #include "ports/file_changes.h"
 #include "ports/file_system.h"
 #include "ports/folder_locks.h"
+#include "ports/followed_job.h"
 #include "ports/main_queue.h"
 #include "ports/metadata_query.h"
 #include "ports/questions.h"
 #include "ports/standard_folders.h"
 #include "ports/telling_stamps.h"
 #include "ports/trash.h"
+#include "ports/trash_return.h"
 #include "ports/user_defaults.h"
 #include "ports/user_locale.h"
 #include "ports/watch_outlook.h"
@@ -71,6 +74,8 @@ struct Ports {
     ports::Questions questions;
     std::optional<std::string> dataFolder;  ///< named by the user on the command line
     bool isTestMode = false;  ///< the environment holds "TEST_MODE": the folder is not watched
+    ports::FollowedJobs followedJob = {};  ///< empty: nothing can be started and followed
+    ports::TrashReturn trashReturn = {};   ///< empty: nothing comes back from the trash
 };
 
 /// The shared instances of one program, each made on first use, on the main thread. Instances that
@@ -97,6 +102,7 @@ public:
     /// Ends the watcher, once its batch in hand is done. The next one is made anew.
     void endCloudSync();
     sync::MigrationOffer& migrationOffer();
+    NoteMoves& noteMoves() { return _noteMoves; }
     /// Searches the notes that the cache holds.
     search::SearchHelper& searchHelper();
     search::FilterHelper filterHelper();
@@ -115,6 +121,7 @@ public:
 
 private:
     Ports _ports;
+    NoteMoves _noteMoves;
     // Each uses those above it, from other threads too.
     std::unique_ptr<grammar::DateStringHelper> _dateStrings;
     std::unique_ptr<settings::Globals> _globals;

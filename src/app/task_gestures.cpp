@@ -9,7 +9,6 @@
 #include "app/undo_changes.h"
 #include "base/localisation.h"
 #include "base/serial_queue.h"
-#include "tasks/task_operations.h"
 
 namespace tessaly::app {
 namespace {
@@ -134,11 +133,26 @@ void TaskGestures::change(TaskStep step, std::vector<TaskReference> tasks, Told 
 }
 
 void TaskGestures::schedule(std::vector<TaskReference> tasks, base::Day day, Told told) {
+    schedule({{day, std::move(tasks)}}, std::move(told));
+}
+
+void TaskGestures::schedule(std::vector<TaskOperations::DayOfTasks> days, Told told) {
     State::carryOut(
         _state,
-        [day, tasks = std::move(tasks)](State& state) {
+        [days = std::move(days)](State& state) {
             return state.operate(
-                [&](TaskOperations& operations) { return operations.schedule(tasks, day); });
+                [&](TaskOperations& operations) { return operations.schedule(days); });
+        },
+        std::move(told));
+}
+
+void TaskGestures::archive(const tasks::NoteName& note, Told told) {
+    State::carryOut(
+        _state,
+        [note](State& state) {
+            return state.operate([&](TaskOperations& operations) {
+                return operations.archive({&note, 1});
+            });
         },
         std::move(told));
 }

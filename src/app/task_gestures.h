@@ -10,6 +10,7 @@
 
 #include "app/services.h"
 #include "app/task_changes.h"
+#include "tasks/task_operations.h"
 #include "tasks/task_outcome.h"
 
 namespace tessaly::app {
@@ -38,6 +39,9 @@ public:
 
     void change(TaskStep step, std::vector<tasks::TaskReference> tasks, Told told);
     void schedule(std::vector<tasks::TaskReference> tasks, base::Day day, Told told);
+    void schedule(std::vector<tasks::TaskOperations::DayOfTasks> days, Told told);
+    /// Moves what is done in a note to its archive.
+    void archive(const tasks::NoteName& note, Told told);
     /// Takes back the operation of a notice, if it is still the newest one; else says so.
     void undo(std::uint64_t operation, Told told);
     /// Takes back the newest operation, whoever made it.

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "support/notes_in_text.h"
 
@@ -42,7 +43,27 @@ Planner::Planner(const User& user)
                      return question.buttons.empty() ? std::nullopt : answer;
                  },
                  user.dataFolder,
-                 user.isTestMode}) {}
+                 user.isTestMode,
+                 followedJobs(),
+                 user.trashReturn}) {}
+
+ports::FollowedJobs Planner::followedJobs() {
+    class Job final : public ports::FollowedJob {
+    public:
+        explicit Job(std::shared_ptr<ScriptedJob> script) : _script(std::move(script)) {}
+        bool hasEnded() override { return _script->hasEnded; }
+        void end() override { _script->isAsked = true; }
+
+    private:
+        const std::shared_ptr<ScriptedJob> _script;
+    };
+    return [this](const std::vector<std::string>& arguments)
+               -> base::Result<std::unique_ptr<ports::FollowedJob>> {
+        _started.push_back(arguments);
+        _followed = std::make_shared<ScriptedJob>();
+        return std::unique_ptr<ports::FollowedJob>(std::make_unique<Job>(_followed));
+    };
+}
 
 base::Result<base::Done> Planner::intoFakeTrash(const std::string& file) {
     std::error_code error;

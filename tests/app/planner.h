@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +44,12 @@ public:
     base::Instant now() override { return platform::SystemClock::now() + ahead; }
 };
 
+/// A process that runs until it is asked to end, or the test ends it.
+struct ScriptedJob {
+    bool hasEnded = false;
+    bool isAsked = false;
+};
+
 /// One user's files at one moment, with the real file system and threads below them.
 class Planner {
 public:
@@ -59,6 +66,7 @@ public:
         ports::TellingStamps tellingStamps = [](const std::string&) {
             return base::Result(base::Done{});
         };
+        ports::TrashReturn trashReturn = {};
         std::optional<std::size_t> answer = std::nullopt;  ///< to every question
         bool isTestMode = false;
         bool isThreaded = true;  ///< else all work is done where it is posted
@@ -91,6 +99,9 @@ public:
     /// The arguments of what was started in the background.
     const std::vector<std::vector<std::string>>& started() const { return _started; }
 
+    /// Of those, the newest that is followed; null: none.
+    const std::shared_ptr<ScriptedJob>& followed() const { return _followed; }
+
     /// What the user was asked or told, in order.
     const std::vector<ports::Question>& questions() const { return _questions; }
 
@@ -98,6 +109,8 @@ public:
     std::map<std::string, std::string> everything() const { return _folder.everything(); }
 
 private:
+    ports::FollowedJobs followedJobs();
+
     LogCapture _log;  // keeps diagnostics out of the tests' output
     TempFolder _folder;
     std::vector<ports::Question> _questions;
@@ -115,6 +128,7 @@ private:
     platform::PosixCacheFiles _cacheFiles;
     LaterClock _fileClock;
     std::vector<std::vector<std::string>> _started;
+    std::shared_ptr<ScriptedJob> _followed;
     app::Services _services;
 };
 

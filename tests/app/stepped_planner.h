@@ -16,6 +16,9 @@ class SteppedPlanner {
 public:
     explicit SteppedPlanner(unsigned seed = 1) : _engine(seed) {}
 
+    std::optional<std::string> cloudContainer;
+    std::optional<std::size_t> answer;  ///< to every question
+
     app::Services& services() { return _services; }
     const TempFolder& folder() const { return _folder; }
     FailingFiles& files() { return _failing; }
@@ -99,9 +102,9 @@ private:
          {_folder / "data", _folder / "config", _folder / "state", _folder / "cache"},
          {"en_GB", ""},
          [] { return false; },
-         [] { return std::optional<std::string>(); },
+         [this] { return cloudContainer; },
          Planner::User{}.trash,
-         [](const ports::Question&) { return std::optional<std::size_t>(); },
+         [this](const ports::Question&) { return answer; },
          std::nullopt,
          false}};
 };

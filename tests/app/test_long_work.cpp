@@ -41,7 +41,10 @@ const RateRow rateRows[] = {
 
 void checkRate(const RateRow& row) {
     CAPTURE(row.what);
-    LongWork work{"Reading", row.total, LongWork::Cancel::never};
+    LongWork work{"Reading", LongWork::Cancel::never};
+    if (row.total) {
+        work.tellTotal(*row.total);
+    }
     LongWork::View view;
     for (const Told& told : row.told) {
         work.tell(told.done);
@@ -59,11 +62,11 @@ TEST_CASE("how far work is, and how fast") {
 }
 
 TEST_CASE("only work that allows it is cancelled, and only once") {
-    LongWork firm{"Moving", 3, LongWork::Cancel::never};
+    LongWork firm{"Moving", LongWork::Cancel::never};
     firm.cancel();
     CHECK_FALSE(firm.cancelled());
 
-    LongWork work{"Reading", 3, LongWork::Cancel::possible};
+    LongWork work{"Reading", LongWork::Cancel::possible};
     CHECK(work.view(0s).isCancellable);
     work.cancel();
     CHECK(work.cancelled());

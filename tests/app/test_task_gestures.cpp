@@ -156,6 +156,47 @@ TEST_CASE("only the newest operation is undone, and what that leaves is told") {
     CHECK(gestures.undo(std::nullopt).text == "Undone: completed “Call Bob”");
 }
 
+TEST_CASE("tasks of different days that go on together are one operation, and one notice") {
+    Planner planner;
+    planner.write(notes);
+    const std::string before = planner.textOf("Calendar/20190305.txt");
+    Gestures gestures{planner};
+    const base::Day day = planner.services().today();
+    const GestureNotice notice = gestures.of([&](auto& all, auto told) {
+        all.schedule(
+            {{base::addDays(day, 1), linesOf({0})}, {base::addDays(day, 3), linesOf({2, 3})}},
+            told);
+    });
+    CHECK(notice.text == "Scheduled 3 tasks to several days");
+    CHECK(notice.notes.size() == 3);
+    CHECK(planner.textOf("Calendar/20190306.txt") == "* Call Bob <2019-03-05");
+    CHECK(planner.textOf("Calendar/20190308.txt") != "-");
+    const auto undone = gestures.undo(notice.operation);
+    CHECK(undone.text.starts_with("Undone: scheduled “Call Bob” and 2 more"));
+    CHECK(planner.textOf("Calendar/20190305.txt") == before);
+    CHECK(planner.textOf("Calendar/20190306.txt") == "-");
+    CHECK(planner.textOf("Calendar/20190308.txt") == "-");
+    CHECK(gestures.undo(std::nullopt).text == "There is nothing to undo");
+}
+
+TEST_CASE("what is done goes to the note's archive, and comes back") {
+    Planner planner;
+    planner.write(notes);
+    const std::string before = planner.textOf("Calendar/20190305.txt");
+    Gestures gestures{planner};
+    const auto archive = [&] {
+        return gestures.of([&](auto& all, auto told) { all.archive(today, told); });
+    };
+    const GestureNotice notice = archive();
+    CHECK(notice.text == "Archived the processed tasks of this note.");
+    CHECK(planner.textOf("Calendar/20190305.txt").find("## Archive") != std::string::npos);
+    const GestureNotice again = archive();
+    CHECK(again.isFailure);
+    CHECK(again.text == "There is nothing to archive in this note.");
+    CHECK_FALSE(gestures.undo(notice.operation).isFailure);
+    CHECK(planner.textOf("Calendar/20190305.txt") == before);
+}
+
 TEST_CASE("the list shows a gesture at once, and the next ones wait their turn") {
     Planner planner;
     planner.write(notes);
