@@ -39,12 +39,6 @@ DayPaneView::DayPaneView(grammar::DateStringHelper days, QWidget* parent)
     column->setSpacing(0);
     column->addLayout(top);
     column->addWidget(_rows, 1);
-    connect(_rows, &TaskRowsView::ticked, this, &DayPaneView::ticked);
-    connect(_rows, &TaskRowsView::scheduleAsked, this, &DayPaneView::scheduleAsked);
-    connect(_rows, &TaskRowsView::scheduled, this, &DayPaneView::scheduled);
-    connect(_rows, &TaskRowsView::jumped, this, &DayPaneView::jumped);
-    connect(_rows, &TaskRowsView::dayChosen, this, &DayPaneView::dayChosen);
-    connect(_rows, &TaskRowsView::undoAsked, this, &DayPaneView::undoAsked);
     connect(&Theme::instance(), &Theme::changed, this, &DayPaneView::takeLook);
     takeLook();
 }

@@ -19,7 +19,7 @@ public:
 
     void setTone(Tone tone);
     /// Shows nothing where there is no room for all, instead of a part.
-    void setWholeOnly() { _isWholeOnly = true; }
+    void setWholeOnly(bool isWholeOnly) { _isWholeOnly = isWholeOnly; }
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;
 

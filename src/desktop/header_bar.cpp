@@ -24,6 +24,8 @@ namespace {
 constexpr int headerHeight = 46;
 constexpr int headerButtonSize = 28;
 constexpr int leastTitleWidth = 64;  ///< of a longer title
+constexpr int headerMargin = 12;
+constexpr int headerSpacing = 10;
 constexpr int roomForHistory = 440;  ///< else its buttons leave their place to the title
 
 /// The button has an icon of its own, so it cannot be given the action as its default one.
@@ -61,15 +63,15 @@ HeaderBar::HeaderBar(QWidget* parent)
     _subtitle->setFont(theme.uiFont(12));
     _subtitle->setTone(ElidedLabel::Tone::muted);
     _subtitle->setAlignment(Qt::AlignCenter);
-    _subtitle->setWholeOnly();
+    _subtitle->setWholeOnly(true);
     _subtitle->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     _saveState->setFont(theme.uiFont(12));
     _saveState->setTone(ElidedLabel::Tone::muted);
     _saveState->hide();
 
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(12, 0, 12, 0);
-    row->setSpacing(10);
+    row->setContentsMargins(headerMargin, 0, headerMargin, 0);
+    row->setSpacing(headerSpacing);
     for (QHBoxLayout* group : {_left, _right}) {
         group->setSpacing(2);
     }
@@ -143,7 +145,15 @@ void HeaderBar::setMenu(QMenu* menu) {
 
 void HeaderBar::setTitle(const QString& title) {
     _title->setText(title);
-    _title->setMinimumWidth(std::min(_title->sizeHint().width(), leastTitleWidth));
+    fitTitle();
+}
+
+/// Before the title is cut, what is quiet beside it goes.
+void HeaderBar::fitTitle() {
+    const int wanted = _title->sizeHint().width();
+    const int buttons = _left->sizeHint().width() - wanted + _right->sizeHint().width();
+    const int room = width() - buttons - 2 * headerMargin - 3 * headerSpacing;
+    _title->setMinimumWidth(std::min(wanted, std::max(leastTitleWidth, room)));
 }
 
 void HeaderBar::setSubtitle(const QString& subtitle) {
@@ -158,15 +168,18 @@ void HeaderBar::setCanGo(bool back, bool forward) {
 void HeaderBar::setDayArrows(bool areShown) {
     _dayBefore->setVisible(areShown);
     _dayAfter->setVisible(areShown);
+    fitTitle();
 }
 
 void HeaderBar::setTodayButton(bool isShown) {
     _today->setVisible(isShown);
+    fitTitle();
 }
 
 void HeaderBar::setSaveState(const QString& text, bool isLoud) {
     _saveState->setTone(isLoud ? ElidedLabel::Tone::loud : ElidedLabel::Tone::muted);
     _saveState->setFont(Theme::instance().uiFont(12, isLoud ? QFont::DemiBold : QFont::Normal));
+    _saveState->setWholeOnly(!isLoud);
     _saveState->setText(text);
     _saveState->setVisible(!text.isEmpty());
 }
@@ -194,6 +207,7 @@ void HeaderBar::resizeEvent(QResizeEvent* event) {
         }
     }
     _saveState->setMaximumWidth(width() * 2 / 5);
+    fitTitle();
 }
 
 void HeaderBar::paintEvent(QPaintEvent*) {

@@ -58,6 +58,7 @@ private:
     QToolButton* addButton(QHBoxLayout* row, IconName name, IconName mirrored);
     QToolButton* addCommand(QHBoxLayout* row, QAction* action, IconName name, IconName mirrored);
     void addTodayButton(QAction* action);
+    void fitTitle();
     void paintIcons();
 
     QHBoxLayout* _left;

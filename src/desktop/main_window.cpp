@@ -58,6 +58,7 @@ MainWindow::MainWindow(app::Services& services, ports::UserDefaults& stateStore)
       _sideBarFeed(services),
       _dayViews(services),
       _quickOpen(services),
+      _organiser(services),
       _today(services.today()),
       _selectedDay(_today) {
     [[maybe_unused]] static const bool isInstalled =
@@ -77,6 +78,7 @@ MainWindow::MainWindow(app::Services& services, ports::UserDefaults& stateStore)
     });
     restoreState();
     services.noteCache().addListener(*this);
+    services.noteMoves().setOnRemoval([this] { updateEditing(); });
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::updateCommands);
     constexpr std::chrono::seconds dayInterval{20};
     _dayTimer = services.ports().mainQueue.every(dayInterval, [this] { noticeNewDay(); });
@@ -89,6 +91,7 @@ MainWindow::~MainWindow() {
     disconnect(qApp, nullptr, this, nullptr);
     _services.ports().mainQueue.cancel(_dayTimer);
     _services.noteCache().removeListener(*this);
+    _services.noteMoves().setOnRemoval({});
     // The focus moves while the panes go.
     disconnect(qApp, nullptr, this, nullptr);
     // These work with what is a member, and would outlive it as children.
@@ -119,11 +122,13 @@ void MainWindow::makePanes() {
 
     _panes = new WindowPanes({_sideBar, _list, middle, _dayPane}, this);
     _statusLine = new StatusLine(this);
-    connect(_statusLine, &StatusLine::cancelled, this, [this] {
-        _statusLine->end();
-        tell(
-            trText("Not all notes were read. Lists and search lack the rest until the next start."),
-            true);
+    connect(_statusLine, &StatusLine::cancelled, this, [this](const app::LongWork* work) {
+        if (work == _loading.get()) {
+            _statusLine->end(work);
+            tell(trText("Not all notes were read. Lists and search lack the rest until the next "
+                        "start."),
+                 true);
+        }
     });
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
@@ -229,13 +234,7 @@ void MainWindow::connectMiddle() {
                 _tasks->perform(command, tasks, {});
             });
     connect(_note, &NotePane::scheduleAsked, _tasks, &WindowTasks::askDay);
-    connect(_week, &WeekAgendaView::ticked, _tasks, &WindowTasks::tick);
-    connect(_week, &WeekAgendaView::scheduleAsked, _tasks, &WindowTasks::askDay);
-    connect(_week, &WeekAgendaView::scheduled, _tasks, &WindowTasks::schedule);
-    connect(_week, &WeekAgendaView::undoAsked, _tasks, &WindowTasks::undoLast);
-    connect(_week, &WeekAgendaView::jumped, this, &MainWindow::go);
-    connect(_week, &WeekAgendaView::dayChosen, this,
-            [this](base::Day day) { go(app::Place::ofDay(day)); });
+    connectRows(_week->rows());
 
     connect(_commandBar, &CommandBar::opened, this, [this](const app::Place& place) { go(place); });
     connect(_commandBar, &CommandBar::newNoteAsked, this,
@@ -252,12 +251,18 @@ void MainWindow::connectMiddle() {
 }
 
 void MainWindow::connectRightPane() {
-    connect(_dayPane, &DayPaneView::ticked, _tasks, &WindowTasks::tick);
-    connect(_dayPane, &DayPaneView::scheduleAsked, _tasks, &WindowTasks::askDay);
-    connect(_dayPane, &DayPaneView::scheduled, _tasks, &WindowTasks::schedule);
-    connect(_dayPane, &DayPaneView::undoAsked, _tasks, &WindowTasks::undoLast);
-    connect(_dayPane, &DayPaneView::jumped, this, &MainWindow::go);
+    connectRows(_dayPane->rows());
     connect(_dayPane, &DayPaneView::dayChosen, this,
+            [this](base::Day day) { go(app::Place::ofDay(day)); });
+}
+
+void MainWindow::connectRows(const TaskRowsView& rows) {
+    connect(&rows, &TaskRowsView::ticked, _tasks, &WindowTasks::tick);
+    connect(&rows, &TaskRowsView::scheduleAsked, _tasks, &WindowTasks::askDay);
+    connect(&rows, &TaskRowsView::scheduled, _tasks, &WindowTasks::schedule);
+    connect(&rows, &TaskRowsView::undoAsked, _tasks, &WindowTasks::undoLast);
+    connect(&rows, &TaskRowsView::jumped, this, &MainWindow::go);
+    connect(&rows, &TaskRowsView::dayChosen, this,
             [this](base::Day day) { go(app::Place::ofDay(day)); });
 }
 
@@ -289,14 +294,27 @@ void MainWindow::keepState() {
 void MainWindow::start() {
     app::LiveNotes::Handlers handlers;
     handlers.onReady = [this] {
-        _statusLine->end();
+        _statusLine->end(_loading.get());
         _note->reread();
         refreshDays();
         Q_EMIT ready();
     };
     handlers.onBatch = [this](const store::CloudBatch& batch) { receiveBatch(batch); };
+    handlers.onMigration = [this](const app::OfferResult& result) {
+        if (const auto words = app::wordsOfMigration(_services, result); !words.empty()) {
+            tell(qt(words), true);
+        }
+    };
+    handlers.onWork = [this](const auto& work) { _statusLine->begin(work); };
+    handlers.onWorkEnded = [this](const auto& work) { _statusLine->end(work.get()); };
+    _loading =
+        std::make_shared<app::LongWork>(base::tr("Reading notes"), app::LongWork::Cancel::possible);
+    _statusLine->begin(_loading);
     _live = std::make_unique<app::LiveNotes>(_services, std::move(handlers));
-    _live->start(_statusLine->begin(trText("Reading notes")));
+    store::NoteCache::LoadOptions options;
+    options.progress = [work = _loading](std::size_t files) { work->tell(files); };
+    options.cancelled = &_loading->cancelled();
+    _live->start(std::move(options));
 }
 
 bool MainWindow::makeReadyToEnd() {

@@ -11,7 +11,9 @@
 #include "app/commands.h"
 #include "app/day_pane.h"
 #include "app/live_notes.h"
+#include "app/long_work.h"
 #include "app/note_address.h"
+#include "app/note_organiser.h"
 #include "app/place.h"
 #include "app/quick_open.h"
 #include "app/services.h"
@@ -33,6 +35,7 @@ class NotePane;
 class SearchField;
 class SideBarPane;
 class StatusLine;
+class TaskRowsView;
 class Toast;
 class WeekAgendaView;
 class WindowTasks;
@@ -77,6 +80,7 @@ private:
     void connectList();
     void connectMiddle();
     void connectRightPane();
+    void connectRows(const TaskRowsView& rows);
     void restoreState();
     void keepState();
 
@@ -91,14 +95,19 @@ private:
     QString daySubtitle(base::Day day) const;
     void refreshDays();
     void noticeNewDay();
+    /// While the open note is on its way to the trash, nobody types into it.
+    void updateEditing();
     /// A note, or all notes in a folder; gone where `to` is empty.
     void noteRenamed(const std::string& from, const std::string& to);
     /// Without a title, that is what is typed next.
     void newNote(const std::string& folder, const std::string& title = {});
+    enum class Title { given, asked };
+    void showNewNote(const app::OrganisedNotes& made, Title title);
 
     // window_commands.cpp: what the commands do.
     void bindCommands();
     void runGo(app::CommandId command);
+    void runGoToPlace(app::CommandId command);
     void runOnNote(app::CommandId command);
     void runOnTasks(app::CommandId command);
     void runView(app::CommandId command);
@@ -107,7 +116,6 @@ private:
     void focusPane(WindowPanes::Pane pane);
     void stepPane(int step);
     void openFolderOf(base::NoteType type, const std::string& filename);
-    void archiveDone(const app::NoteAddress& note);
     void openTrash();
     void copyNoteLink(const std::string& filename);
 
@@ -123,6 +131,7 @@ private:
     app::SideBarFeed _sideBarFeed;
     app::DayViewsFeed _dayViews;
     app::QuickOpen _quickOpen;
+    app::NoteOrganiser _organiser;
     base::Day _today;
     base::Day _selectedDay;  ///< of the right pane
 
@@ -144,6 +153,7 @@ private:
     ports::MainQueue::Timer _dayTimer = 0;
     std::atomic<bool> _isRefreshPosted = false;  ///< any thread
     std::shared_ptr<const bool> _alive = std::make_shared<bool>(true);
+    std::shared_ptr<app::LongWork> _loading;
     std::unique_ptr<app::LiveNotes> _live;  ///< the last member: ends before what it tells
 };
 

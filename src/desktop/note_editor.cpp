@@ -3,22 +3,15 @@
 
 #include <QAction>
 #include <QContextMenuEvent>
-#include <QGuiApplication>
-#include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
-#include <QMouseEvent>
-#include <QPainter>
-#include <QScrollBar>
 #include <QTextBlock>
-#include <QWheelEvent>
 #include <algorithm>
 
+#include "desktop/long_lines.h"
 #include "desktop/qt_text.h"
-#include "desktop/spaced_text_layout.h"
-#include "desktop/theme.h"
 
 namespace tessaly::desktop {
 
@@ -26,46 +19,12 @@ namespace {
 
 using editor::Indentation;
 
-constexpr qint64 typingPause = 1000;  // milliseconds
-constexpr int topMargin = 24;
-constexpr int sideMargin = 56;
-constexpr int narrowSideMargin = 24;
-constexpr int narrowWidth = 480;
-constexpr int pieceLength = 2000;
-
 QString withDocumentEnds(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     for (const char16_t end : {u'\r', u'\u2029', u'\uFDD0', u'\uFDD1'}) {
         text.replace(QChar(end), u'\n');
     }
     return text;
-}
-
-qsizetype longestLineOf(const QString& text) {
-    qsizetype longest = 0;
-    qsizetype start = 0;
-    for (;;) {
-        const qsizetype end = text.indexOf(u'\n', start);
-        longest = std::max(longest, (end < 0 ? text.size() : end) - start);
-        if (end < 0) {
-            return longest;
-        }
-        start = end + 1;
-    }
-}
-
-QString inPieces(const QString& text) {
-    QString pieces;
-    int length = 0;
-    for (const QChar c : text) {
-        if (length >= pieceLength && !c.isLowSurrogate() && c != u'\n') {
-            pieces += u'\n';
-            length = 0;
-        }
-        pieces += c;
-        length = c == u'\n' ? 0 : length + 1;
-    }
-    return pieces;
 }
 
 /// What a key press writes; empty: nothing.
@@ -86,95 +45,23 @@ QString writtenBy(const QKeyEvent& event) {
 
 }  // namespace
 
-NoteEditor::NoteEditor(QWidget* parent) : QPlainTextEdit(parent) {
-    setFrameShape(QFrame::NoFrame);
+NoteEditor::NoteEditor(QWidget* parent) : RecordedTextEdit(parent) {
     setAccessibleName(trText("Note"));
-    setCursor(Qt::IBeamCursor);
-    verticalScrollBar()->setCursor(Qt::ArrowCursor);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* text = new QTextDocument(this);
-    text->setDocumentLayout(new SpacedTextLayout(text));
-    text->setDocumentMargin(topMargin);
-    setDocument(text);
-    // Painted with the text: what the view keeps as its own ground does not follow the theme.
-    viewport()->setAutoFillBackground(false);
-    connect(document(), &QTextDocument::contentsChange, this, &NoteEditor::onContentsChange);
-    connect(&Theme::instance(), &Theme::changed, this, &NoteEditor::paintTheme);
-    paintTheme();
-}
-
-void NoteEditor::setLook(const Look& look) {
-    _textWidth = look.textWidth;
-    setFont(look.font);
-    setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
-    layOutColumn();
-}
-
-void NoteEditor::setEditing(Editing editing) {
-    _editing = editing;
-    setTextInteractionFlags(canEdit() ? Qt::TextEditorInteraction
-                                      : Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-}
-
-void NoteEditor::setText(const std::string& shown) {
-    const QString text = documentText(shown);
-    _isInPieces = longestLineOf(text) > longestLine;
-    _piecesText = _isInPieces ? shown : std::string();
-    _isSetting = true;
-    setPlainText(_isInPieces ? inPieces(text) : text);
-    _isSetting = false;
-    _knownRevision = document()->revision();
-    _run = Run::none;
-    setMatches({}, std::nullopt);
-    setEditing(_editing);
-}
-
-std::string NoteEditor::text() const {
-    return _isInPieces ? _piecesText : textOfDocument(*document());
-}
-
-void NoteEditor::replaceText(const std::string& shown) {
-    if (_isInPieces || longestLineOf(documentText(shown)) > longestLine) {
-        setText(shown);
-        return;
-    }
-    QGuiApplication::inputMethod()->commit();
-    const DocumentChanges changes = changesBetween(text(), shown);
-    if (changes.empty()) {
-        return;
-    }
-    const QTextCursor top(firstVisibleBlock());
-    const int topLine = verticalScrollBar()->value() - firstVisibleBlock().firstLineNumber();
-    _isSetting = true;
-    makeAroundCaret(changes);
-    _isSetting = false;
-    verticalScrollBar()->setValue(top.block().firstLineNumber() + topLine);
-}
-
-void NoteEditor::makeAroundCaret(const DocumentChanges& changes) {
-    // A cursor that is there during the changes moves with them, in its own way.
-    const int anchor = positionAfter(textCursor().anchor(), changes);
-    const int position = positionAfter(textCursor().position(), changes);
-    makeChanges(*document(), changes);
-    QTextCursor caret(document());
-    caret.setPosition(anchor);
-    caret.setPosition(position, QTextCursor::KeepAnchor);
-    setTextCursor(caret);
 }
 
 bool NoteEditor::mark(editor::MarkAction action) {
     if (!canEdit()) {
         return false;
     }
-    const auto edit = editor::mark(action, text(), selectionOf(textCursor()), _markSettings);
-    if (!edit) {
-        Q_EMIT notice(qt(edit.failure().description));
+    const auto made = editor::mark(action, text(), selectionOf(textCursor()), _markSettings);
+    if (!made) {
+        Q_EMIT notice(qt(made.failure().description));
         return false;
     }
-    if (*edit) {
-        make(**edit, 0);
+    if (*made) {
+        make(**made, 0);
     }
-    return edit->has_value();
+    return made->has_value();
 }
 
 int NoteEditor::rewriteLines(const LineRewrite& rewrite) {
@@ -195,8 +82,7 @@ int NoteEditor::rewriteLines(const LineRewrite& rewrite) {
         }
     }
     if (count > 0) {
-        makeAroundCaret(changes);
-        ensureCursorVisible();
+        edit([&] { moveCaretAlong(changes, [&] { makeChanges(*document(), changes); }); });
     }
     return count;
 }
@@ -216,62 +102,13 @@ std::string NoteEditor::lineText(int line) const {
     return utf8(document()->findBlockByNumber(line).text());
 }
 
-void NoteEditor::goToLine(int line, int column) {
-    const int last = document()->blockCount() - 1;
-    const QTextBlock block = document()->findBlockByNumber(std::clamp(line, 0, last));
-    QTextCursor caret(block);
-    caret.setPosition(block.position() + std::min(column, block.length() - 1));
-    setTextCursor(caret);
-    centerCursor();
-}
-
-QRect NoteEditor::caretPlace() const {
-    const QRect place = cursorRect();
-    return {viewport()->mapToGlobal(place.topLeft()), place.size()};
-}
-
-void NoteEditor::setMatches(std::vector<base::TextRange> matches,
-                            std::optional<std::size_t> current) {
-    _matches = std::move(matches);
-    _currentMatch = current;
-    showMatches();
-}
-
-/// Only those in sight: each costs with every line that is painted.
-void NoteEditor::showMatches() {
-    QList<QTextEdit::ExtraSelection> shown;
-    const auto start = static_cast<std::size_t>(firstVisibleBlock().position());
-    const QTextBlock last = cursorForPosition(viewport()->rect().bottomRight()).block();
-    const auto end = static_cast<std::size_t>(last.position() + last.length());
-    const Colors& colors = Theme::instance().colors();
-    auto match = std::find_if(_matches.begin(), _matches.end(),
-                              [&](const auto& candidate) { return candidate.end() >= start; });
-    for (; match != _matches.end() && match->location <= end; ++match) {
-        const bool isCurrent = _currentMatch == static_cast<std::size_t>(match - _matches.begin());
-        QTextEdit::ExtraSelection selection;
-        selection.cursor = cursorAt(*document(), *match);
-        selection.format.setBackground(isCurrent ? colors.selection : colors.mark);
-        shown.push_back(selection);
-    }
-    if (!shown.empty() || !extraSelections().empty()) {
-        setExtraSelections(shown);
-    }
-}
-
 bool NoteEditor::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride &&
         isWindowKey(static_cast<const QKeyEvent&>(*event))) {
         event->ignore();
         return false;
     }
-    if (forwardMarginEvent(*event)) {
-        return true;
-    }
-    const bool isDone = QPlainTextEdit::event(event);
-    if (event->type() == QEvent::Resize) {
-        layOutColumn();
-    }
-    return isDone;
+    return RecordedTextEdit::event(event);
 }
 
 /// The base class would take keys for itself that are somebody's command, such as Ctrl+K.
@@ -283,96 +120,6 @@ bool NoteEditor::isWindowKey(const QKeyEvent& event) const {
     });
 }
 
-/// The margins beside the column are no part of the viewport, but belong to the text for whoever
-/// points at them.
-/// A place between two lines belongs to the upper one, as if its letters were so high.
-QPointF NoteEditor::inLine(QPointF place) const {
-    const auto& spaced = static_cast<const SpacedTextLayout&>(*document()->documentLayout());
-    const QTextBlock block = cursorForPosition(place.toPoint()).block();
-    const qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
-    for (int i = 0; i < block.layout()->lineCount(); ++i) {
-        const QTextLine line = block.layout()->lineAt(i);
-        const qreal bottom = top + line.y() + line.height();
-        if (place.y() >= bottom && place.y() < top + line.y() + spaced.pitchOf(line)) {
-            place.setY(bottom - 1);
-        }
-    }
-    return place;
-}
-
-bool NoteEditor::viewportEvent(QEvent* event) {
-    switch (event->type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove: {
-            const auto& mouse = static_cast<const QMouseEvent&>(*event);
-            QMouseEvent moved(mouse.type(), inLine(mouse.position()), mouse.globalPosition(),
-                              mouse.button(), mouse.buttons(), mouse.modifiers(),
-                              mouse.pointingDevice());
-            const bool isDone = QPlainTextEdit::viewportEvent(&moved);
-            event->setAccepted(moved.isAccepted());
-            return isDone;
-        }
-        default: return QPlainTextEdit::viewportEvent(event);
-    }
-}
-
-void NoteEditor::paintEvent(QPaintEvent* event) {
-    QPainter painter(viewport());
-    const Colors& colors = Theme::instance().colors();
-    painter.fillRect(event->rect(), colors.window);
-    if (textCursor().hasSelection()) {
-        for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
-            const QRectF place = blockBoundingGeometry(block).translated(contentOffset());
-            if (place.top() > viewport()->height()) {
-                break;
-            }
-            paintSelectedGaps(painter, block, place);
-        }
-    }
-    painter.end();
-    QPlainTextEdit::paintEvent(event);
-}
-
-/// The text itself is painted as high as its letters: what is selected would have stripes.
-void NoteEditor::paintSelectedGaps(QPainter& painter, const QTextBlock& block,
-                                   const QRectF& place) const {
-    const auto& spaced = static_cast<const SpacedTextLayout&>(*document()->documentLayout());
-    const int start = textCursor().selectionStart() - block.position();
-    const int end = textCursor().selectionEnd() - block.position();
-    for (int i = 0; i < block.layout()->lineCount(); ++i) {
-        const QTextLine line = block.layout()->lineAt(i);
-        const int from = std::max(start, line.textStart());
-        const int to = std::min(end, line.textStart() + line.textLength());
-        if (from < to) {
-            const qreal gap = spaced.pitchOf(line) - line.height();
-            const qreal left = std::min(line.cursorToX(from), line.cursorToX(to));
-            const qreal right = std::max(line.cursorToX(from), line.cursorToX(to));
-            painter.fillRect(QRectF(place.left() + left, place.top() + line.y() - gap / 2,
-                                    right - left, line.height() + gap),
-                             Theme::instance().colors().selection);
-        }
-    }
-}
-
-bool NoteEditor::forwardMarginEvent(QEvent& event) {
-    switch (event.type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove: {
-            const auto& mouse = static_cast<const QMouseEvent&>(event);
-            QMouseEvent moved(mouse.type(), viewport()->mapFrom(this, mouse.position()),
-                              mouse.globalPosition(), mouse.button(), mouse.buttons(),
-                              mouse.modifiers(), mouse.pointingDevice());
-            return viewportEvent(&moved);
-        }
-        case QEvent::Wheel: wheelEvent(static_cast<QWheelEvent*>(&event)); return true;
-        default: return false;
-    }
-}
-
 void NoteEditor::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
         Q_EMIT escaped();
@@ -382,7 +129,7 @@ void NoteEditor::keyPressEvent(QKeyEvent* event) {
         event->accept();
         return;
     }
-    QPlainTextEdit::keyPressEvent(event);
+    edit([&] { RecordedTextEdit::keyPressEvent(event); });
 }
 
 /// False: the key is not for us.
@@ -397,9 +144,13 @@ bool NoteEditor::pressEditingKey(const QKeyEvent& event) {
     } else if (isPlainOrShift && (key == Qt::Key_Tab || key == Qt::Key_Backtab)) {
         pressTab(isPlain ? Indentation::more : Indentation::less);
     } else if (isPlainOrShift && key == Qt::Key_Backspace) {
-        pressDelete(Run::deleting);
+        pressDelete(TypingRun::Kind::deleting);
     } else if (isPlain && key == Qt::Key_Delete) {
-        pressDelete(Run::deletingForward);
+        pressDelete(TypingRun::Kind::deletingForward);
+    } else if (event.matches(QKeySequence::Undo)) {
+        undo();
+    } else if (event.matches(QKeySequence::Redo)) {
+        redo();
     } else if (const QString written = writtenBy(event); !written.isEmpty()) {
         type(written);
     } else {
@@ -420,12 +171,13 @@ NoteEditor::LinesText NoteEditor::selectedLinesText() const {
     return {utf8(selectedTextOf(cursorAt(*document(), lines))), start, selection};
 }
 
-void NoteEditor::make(editor::Edit edit, int start) {
-    edit.range.location += static_cast<std::size_t>(start);
-    edit.selection.location += static_cast<std::size_t>(start);
-    makeEdit(*document(), edit);
-    setTextCursor(cursorAt(*document(), edit.selection));
-    ensureCursorVisible();
+void NoteEditor::make(editor::Edit change, int start) {
+    change.range.location += static_cast<std::size_t>(start);
+    change.selection.location += static_cast<std::size_t>(start);
+    edit([&] {
+        makeEdit(*document(), change);
+        setTextCursor(cursorAt(*document(), change.selection));
+    });
 }
 
 /// With Shift, a line that does not go on as the one before.
@@ -446,10 +198,10 @@ void NoteEditor::pressTab(Indentation indentation) {
     }
 }
 
-void NoteEditor::pressDelete(Run run) {
-    inRun(run, {}, [&] {
+void NoteEditor::pressDelete(TypingRun::Kind kind) {
+    inRun(kind, {}, [&] {
         QTextCursor caret = textCursor();
-        if (run == Run::deleting) {
+        if (kind == TypingRun::Kind::deleting) {
             caret.deletePreviousChar();
         } else {
             caret.deleteChar();
@@ -459,45 +211,30 @@ void NoteEditor::pressDelete(Run run) {
 }
 
 void NoteEditor::type(const QString& text) {
-    inRun(Run::typing, text, [&] {
+    inRun(TypingRun::Kind::typing, text, [&] {
         QTextCursor caret = textCursor();
         caret.insertText(text);
         setTextCursor(caret);
     });
 }
 
-bool NoteEditor::goesOn(Run run, const QString& text) const {
-    const bool isNewWord =
-        run == Run::typing && _endsInBlank && !text.isEmpty() && !text.front().isSpace();
-    const QTextCursor caret = textCursor();
-    return run == _run && !isNewWord && !caret.hasSelection() && caret.position() == _runPosition &&
-           document()->revision() == _runRevision && _sinceKey.elapsed() <= typingPause;
-}
-
-void NoteEditor::inRun(Run run, const QString& text, const std::function<void()>& change) {
-    QTextCursor step = textCursor();
-    if (goesOn(run, text)) {
-        step.joinPreviousEditBlock();
+void NoteEditor::inRun(TypingRun::Kind kind, const QString& text,
+                       const std::function<void()>& change) {
+    const Step step = _run.goesOn(kind, text, textCursor()) ? Step::same : Step::next;
+    if (edit(change, step)) {
+        _run.add(kind, text, textCursor());
     } else {
-        step.beginEditBlock();
+        _run.end();
     }
-    change();
-    step.endEditBlock();
-    ensureCursorVisible();
-    _run = run;
-    _runPosition = textCursor().position();
-    _runRevision = document()->revision();
-    _endsInBlank = !text.isEmpty() && text.back().isSpace();
-    _sinceKey.start();
 }
 
 void NoteEditor::inputMethodEvent(QInputMethodEvent* event) {
     const QString text = event->commitString();
     if (text.isEmpty()) {
-        QPlainTextEdit::inputMethodEvent(event);
+        RecordedTextEdit::inputMethodEvent(event);
         return;
     }
-    inRun(Run::typing, text, [&] { QPlainTextEdit::inputMethodEvent(event); });
+    inRun(TypingRun::Kind::typing, text, [&] { RecordedTextEdit::inputMethodEvent(event); });
 }
 
 QMimeData* NoteEditor::createMimeDataFromSelection() const {
@@ -516,12 +253,11 @@ void NoteEditor::insertFromMimeData(const QMimeData* source) {
         Q_EMIT notice(trText("The text has a line that is too long to be edited here."));
         return;
     }
-    QTextCursor caret = textCursor();
-    caret.beginEditBlock();
-    caret.insertText(text);
-    caret.endEditBlock();
-    setTextCursor(caret);
-    ensureCursorVisible();
+    edit([&] {
+        QTextCursor caret = textCursor();
+        caret.insertText(text);
+        setTextCursor(caret);
+    });
 }
 
 void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
@@ -530,49 +266,14 @@ void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
     const auto add = [&](const QString& text, void (NoteEditor::*run)(), bool isPossible) {
         menu.addAction(text, this, run)->setEnabled(isPossible);
     };
-    add(trText("Undo"), &NoteEditor::undo, canEdit() && document()->isUndoAvailable());
-    add(trText("Redo"), &NoteEditor::redo, canEdit() && document()->isRedoAvailable());
+    add(trText("Undo"), &NoteEditor::undo, canUndo());
+    add(trText("Redo"), &NoteEditor::redo, canRedo());
     menu.addSeparator();
     add(trText("Cut"), &NoteEditor::cut, canEdit() && hasSelection);
     add(trText("Copy"), &NoteEditor::copy, hasSelection);
     add(trText("Paste"), &NoteEditor::paste, canEdit() && canPaste());
     add(trText("Select All"), &NoteEditor::selectAll, !document()->isEmpty());
     menu.exec(event->globalPos());
-}
-
-void NoteEditor::onContentsChange() {
-    // Layout alone has changed where the revision has not.
-    const bool isChanged = document()->revision() != _knownRevision;
-    _knownRevision = document()->revision();
-    if (isChanged && !_isSetting) {
-        Q_EMIT edited();
-    }
-}
-
-void NoteEditor::scrollContentsBy(int dx, int dy) {
-    QPlainTextEdit::scrollContentsBy(dx, dy);
-    if (!_matches.empty()) {
-        showMatches();
-    }
-}
-
-void NoteEditor::layOutColumn() {
-    const int least = width() < narrowWidth ? narrowSideMargin : sideMargin;
-    const int side = std::max(least, (width() - _textWidth) / 2) - topMargin;
-    setViewportMargins(side, 0, side, 0);
-}
-
-void NoteEditor::paintTheme() {
-    const Colors& colors = Theme::instance().colors();
-    QPalette painted = palette();
-    painted.setColor(QPalette::Base, colors.window);
-    painted.setColor(QPalette::Window, colors.window);
-    painted.setColor(QPalette::Text, colors.text);
-    painted.setColor(QPalette::PlaceholderText, colors.text2);
-    painted.setColor(QPalette::Highlight, colors.selection);
-    painted.setColor(QPalette::HighlightedText, colors.text);
-    setPalette(painted);
-    showMatches();
 }
 
 }  // namespace tessaly::desktop

@@ -6,22 +6,18 @@
 #include <QStackedWidget>
 #include <QTextBlock>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <utility>
 
 #include "app/shown_text.h"
-#include "base/localisation.h"
+#include "desktop/caret_tasks.h"
 #include "desktop/conflict_bar.h"
 #include "desktop/find_bar.h"
 #include "desktop/note_editor.h"
+#include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
-#include "desktop/version_differences.h"
-#include "grammar/line_scanner.h"
 #include "grammar/note_title.h"
-#include "store/note_document.h"
 #include "store/three_way_merge.h"
-#include "tasks/task_rewrites.h"
 
 namespace tessaly::desktop {
 
@@ -30,20 +26,6 @@ namespace {
 using app::CommandId;
 using app::OpenNote;
 using app::shownText;
-using grammar::TodoType;
-
-/// A version's bytes as the editor shows texts, or why it cannot be shown.
-base::Result<std::string> shownBytes(const base::Result<std::string>& bytes) {
-    if (!bytes) {
-        return bytes.failure();
-    }
-    const auto text = store::decodedText(*bytes);
-    if (!text) {
-        return base::Failure{base::Failure::Kind::malformed,
-                             base::tr("This version is not UTF-8 text, and cannot be shown.")};
-    }
-    return shownText(*text);
-}
 
 std::string baseNameOf(const std::string& filename) {
     const std::size_t slash = filename.rfind('/');
@@ -61,35 +43,6 @@ std::string firstLines(const QTextDocument& document) {
         }
     }
     return utf8(lines);
-}
-
-struct LineStep {
-    CommandId command;
-    TodoType alreadyThere;
-    const char* already;
-};
-constexpr LineStep lineSteps[] = {
-    {CommandId::completeTask, TodoType::done, base::N_("This is done already.")},
-    {CommandId::cancelTask, TodoType::cancelled, base::N_("This is cancelled already.")},
-    {CommandId::reopenTask, TodoType::open, base::N_("This is open already.")},
-};
-
-const LineStep* lineStepOf(CommandId command) {
-    const auto found = std::find_if(std::begin(lineSteps), std::end(lineSteps),
-                                    [&](const LineStep& step) { return step.command == command; });
-    return found == std::end(lineSteps) ? nullptr : found;
-}
-
-std::string steppedLine(CommandId command, const std::string& line, const base::LocalTime& now,
-                        const tasks::RewriteSettings& settings) {
-    switch (command) {
-        case CommandId::completeTask: {
-            const std::string done = tasks::completed(line, now, settings);
-            return tasks::withFinalRepeat(done, settings.markers).value_or(done);
-        }
-        case CommandId::cancelTask: return tasks::cancelled(line);
-        default: return tasks::reopened(line, settings.markers);
-    }
 }
 
 QLabel* makeMessage(QWidget* parent) {
@@ -112,10 +65,11 @@ NotePane::NotePane(app::Services& services, QWidget* parent)
     showProblem(trText("Choose a day or a note."));
 }
 
-NotePane::~NotePane() = default;
+NotePane::~NotePane() {
+    _versions->close();
+}
 
 void NotePane::build() {
-    _bar = new ConflictBarView(this);
     _readOnly = new QLabel(this);
     _readOnly->setMargin(8);
     _readOnly->setAlignment(Qt::AlignCenter);
@@ -127,12 +81,16 @@ void NotePane::build() {
     _editor->setPlaceholderText(
         trText("Write here. A line that begins with \"* \" is a task, \"- \" makes a list and "
                "\"# \" a heading."));
-    _versionView = new NoteEditor(this);
-    _versionView->setAccessibleName(trText("Another version of this note"));
-    _versionView->setEditing(NoteEditor::Editing::never);
-    _differences = new VersionDifferences(this);
-    for (QWidget* page :
-         std::initializer_list<QWidget*>{_empty, _editor, _versionView, _differences}) {
+    _versions =
+        new NoteVersions(_services,
+                         {[this] { return saveNow().ok(); },
+                          [this] { return shownText(currentText()); }, [this] { _note->reread(); }},
+                         this);
+    _tasks = new CaretTasks(_services, *_editor,
+                            {[this] { return _note->address(); }, [this] { return currentText(); },
+                             [this] { return saveNow().ok(); }},
+                            this);
+    for (QWidget* page : std::initializer_list<QWidget*>{_empty, _editor, _versions}) {
         _pages->addWidget(page);
     }
     _findBar = new FindBar(this);
@@ -140,7 +98,7 @@ void NotePane::build() {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(_bar);
+    column->addWidget(_versions->bar());
     column->addWidget(_readOnly);
     column->addWidget(_pages, 1);
     column->addWidget(_findBar);
@@ -150,16 +108,11 @@ void NotePane::connectParts() {
     connect(_editor, &NoteEditor::edited, this, &NotePane::onEdited);
     connect(_editor, &NoteEditor::notice, this, &NotePane::notice);
     connect(_editor, &NoteEditor::escaped, _findBar, &FindBar::close);
-    connect(_bar, &ConflictBarView::otherVersionAsked, this, [this] {
-        if (_conflict != nullptr && saveNow()) {
-            _conflict->showOther();
-        }
-    });
-    connect(_bar, &ConflictBarView::thisVersionChosen, this,
-            [this] { resolve(&app::OpenConflict::choose); });
-    connect(_bar, &ConflictBarView::mergeAsked, this,
-            [this] { resolve(&app::OpenConflict::merge); });
-    connect(_bar, &ConflictBarView::differencesToggled, this, &NotePane::showDifferences);
+    connect(_versions, &NoteVersions::shownChanged, this, &NotePane::showOpenPage);
+    connect(_versions, &NoteVersions::notice, this, &NotePane::notice);
+    connect(_tasks, &CaretTasks::taskGesture, this, &NotePane::taskGesture);
+    connect(_tasks, &CaretTasks::scheduleAsked, this, &NotePane::scheduleAsked);
+    connect(_tasks, &CaretTasks::notice, this, &NotePane::notice);
     connect(&Theme::instance(), &Theme::changed, this, &NotePane::restyle);
 }
 
@@ -185,18 +138,9 @@ void NotePane::open(const app::NoteAddress& address) {
         OpenNote::Handlers{
             [this] { return currentText(); }, [this](const std::string& text) { onMerged(text); },
             [this](OpenNote::SaveState) { onSaveState(); }, [this] { Q_EMIT gone(); }});
-    _conflict = std::make_unique<app::OpenConflict>(
-        _services, address,
-        app::OpenConflict::Handlers{
-            [this](const app::ShownVersion& version) { showVersion(version); },
-            [this] { hideVersions(); },
-            [this](const std::string& text) {
-                _note->reread();
-                Q_EMIT notice(qt(text));
-            },
-            [this](const std::string& why) { Q_EMIT notice(qt(why)); }});
+    _versions->open(address);
     showNote();
-    _conflict->check();
+    _versions->check();
 }
 
 void NotePane::follow(const app::NoteAddress& address) {
@@ -217,22 +161,15 @@ void NotePane::showNote() {
     _noteText = _note->text();
     _editor->setText(shownText(_noteText));
     _noteRevision = _editor->document()->revision();
-    if (_note->obstacle()) {
-        showProblem(qt(_note->obstacle()->description));
-    } else {
-        showPage(Page::editor);
-    }
+    showOpenPage();
     onSaveState();
     _title.clear();
     Q_EMIT titleChanged();
 }
 
 void NotePane::leave() {
-    _conflict.reset();
+    _versions->close();
     _note.reset();
-    _version.reset();
-    _bar->hide();
-    _bar->setShowsDifferences(false);
     _noteText.clear();
     _editor->setText({});
     _noteRevision = _editor->document()->revision();
@@ -279,7 +216,7 @@ void NotePane::reread() {
         return;
     }
     _note->reread();
-    _conflict->check();
+    _versions->check();
 }
 
 std::string NotePane::currentText() {
@@ -306,9 +243,7 @@ void NotePane::onMerged(const std::string& text) {
     _editor->replaceText(shownText(text));
     _noteText = text;
     _noteRevision = _editor->document()->revision();
-    if (_version == std::nullopt || _version->isCurrent) {
-        showPage(Page::editor);
-    }
+    showOpenPage();
     Q_EMIT titleChanged();
 }
 
@@ -322,18 +257,28 @@ void NotePane::onSaveState() {
     }
 }
 
+void NotePane::showOpenPage() {
+    if (_versions->shown() != NoteVersions::Shown::note) {
+        showPage(Page::versions);
+    } else if (_note->obstacle()) {
+        showProblem(qt(_note->obstacle()->description));
+    } else {
+        showPage(Page::editor);
+    }
+}
+
 void NotePane::showPage(Page page) {
     _pages->setCurrentIndex(static_cast<int>(page));
-    NoteEditor* searched = page == Page::editor    ? _editor
-                           : page == Page::version ? _versionView
-                                                   : nullptr;
-    _findBar->setEditor(searched);
-    const bool isOther = page == Page::version || page == Page::differences;
+    const bool isVersion =
+        page == Page::versions && _versions->shown() == NoteVersions::Shown::text;
+    _findBar->setEditor(page == Page::editor ? _editor
+                        : isVersion          ? _versions->textView()
+                                             : nullptr);
     const bool isInPieces = page == Page::editor && _editor->isInPieces();
     _readOnly->setText(isInPieces ? trText("A line of this note is very long. The note is shown in "
                                            "pieces, and cannot be edited here.")
                                   : trText("Another version is shown. It cannot be edited."));
-    _readOnly->setVisible(isOther || isInPieces);
+    _readOnly->setVisible(page == Page::versions || isInPieces);
 }
 
 void NotePane::showProblem(const QString& text) {
@@ -341,57 +286,8 @@ void NotePane::showProblem(const QString& text) {
     showPage(Page::empty);
 }
 
-void NotePane::showVersion(const app::ShownVersion& version) {
-    _version = version;
-    _bar->setWork(ConflictBarView::Work::none);
-    _bar->show(version.bar, version.isCurrent ? ConflictBarView::Version::current
-                                              : ConflictBarView::Version::other);
-    if (!version.isCurrent) {
-        const auto text = shownBytes(version.text);
-        _versionView->setText(text ? *text : text.failure().description);
-    }
-    showDifferences(_bar->showsDifferences());
-}
-
-void NotePane::hideVersions() {
-    _version.reset();
-    _bar->hide();
-    _bar->setShowsDifferences(false);
-    _bar->setWork(ConflictBarView::Work::none);
-    if (_note->obstacle()) {
-        showProblem(qt(_note->obstacle()->description));
-    } else {
-        showPage(Page::editor);
-    }
-}
-
-void NotePane::showDifferences(bool isShown) {
-    if (_version == std::nullopt) {
-        return;
-    }
-    if (_version->isCurrent) {
-        showPage(Page::editor);
-        return;
-    }
-    const auto text = shownBytes(_version->text);
-    if (isShown && text) {
-        _differences->show(shownText(currentText()), *text);
-        showPage(Page::differences);
-    } else {
-        showPage(Page::version);
-    }
-}
-
 bool NotePane::showsMainEditor() const {
     return _note != nullptr && _pages->currentIndex() == static_cast<int>(Page::editor);
-}
-
-void NotePane::resolve(void (app::OpenConflict::*how)()) {
-    if (_conflict == nullptr || !saveNow()) {
-        return;
-    }
-    _bar->setWork(ConflictBarView::Work::running);
-    (_conflict.get()->*how)();
 }
 
 bool NotePane::perform(CommandId command) {
@@ -415,79 +311,7 @@ bool NotePane::perform(CommandId command) {
     switch (command) {
         case CommandId::undo: _editor->undo(); return true;
         case CommandId::redo: _editor->redo(); return true;
-        default: return performOnTasks(command);
-    }
-}
-
-bool NotePane::performOnTasks(CommandId command) {
-    switch (command) {
-        case CommandId::completeTask:
-        case CommandId::cancelTask:
-        case CommandId::reopenTask: return changeTasks(command);
-        case CommandId::scheduleTask:
-        case CommandId::scheduleToday:
-        case CommandId::taskLater:
-        case CommandId::taskEarlier:
-        case CommandId::taskWeekLater:
-        case CommandId::taskWeekEarlier: askWindow(command); return true;
-        default: return false;
-    }
-}
-
-bool NotePane::changeTasks(CommandId command) {
-    const tasks::RewriteSettings settings = _services.rewriteSettings();
-    const base::LocalTime now = _services.ports().clock.local(_services.ports().clock.now());
-    const LineStep& step = *lineStepOf(command);
-    const auto selected = selectedTasks();
-    const auto typeOf = [&](const std::string& line) {
-        return grammar::classifyLine(line, settings.markers).type;
-    };
-    // What was scheduled has a copy in another note.
-    if (command == CommandId::reopenTask &&
-        std::any_of(selected.begin(), selected.end(),
-                    [&](const auto& task) { return typeOf(*task.text) == TodoType::scheduled; })) {
-        askWindow(command);
-        return true;
-    }
-    const int changed = _editor->rewriteLines([&](const std::string& line) {
-        const bool isDue = tasks::isActionable(line) && typeOf(line) != step.alreadyThere;
-        return isDue ? steppedLine(command, line, now, settings) : line;
-    });
-    if (changed == 0) {
-        Q_EMIT notice(selected.empty() ? trText("There is no task in this line.")
-                                       : trText(step.already));
-    }
-    return true;
-}
-
-std::vector<tasks::TaskReference> NotePane::selectedTasks() {
-    std::vector<tasks::TaskReference> found;
-    const std::string text = currentText();
-    const auto [first, last] = _editor->selectedLines();
-    for (int line = first; line <= last; ++line) {
-        std::string content = _editor->lineText(line);
-        if (tasks::isActionable(content)) {
-            found.push_back({{_note->address().type, _note->address().filename},
-                             app::noteLineOf(text, static_cast<std::size_t>(line)),
-                             std::move(content)});
-        }
-    }
-    return found;
-}
-
-void NotePane::askWindow(CommandId command) {
-    const auto selected = selectedTasks();
-    if (selected.empty()) {
-        Q_EMIT notice(trText("There is no task in this line."));
-        return;
-    }
-    if (!saveNow()) {
-        return;  // the save state tells
-    }
-    if (command == CommandId::scheduleTask) {
-        Q_EMIT scheduleAsked(selected, _editor->caretPlace());
-    } else {
-        Q_EMIT taskGesture(command, selected);
+        default: return _tasks->perform(command);
     }
 }
 
@@ -497,7 +321,7 @@ void NotePane::restyle() {
     const NoteEditor::Look look{
         theme.editorFont(globals.fontFamily(), globals.fontSize() + globals.fontDelta()),
         static_cast<int>(globals.maxTextWidth())};
-    for (NoteEditor* editor : {_editor, _versionView}) {
+    for (NoteEditor* editor : {_editor, _versions->textView()}) {
         editor->setLook(look);
         editor->setMarkSettings({_services.markerSettings(), globals.defaultTodoCharacter()});
     }

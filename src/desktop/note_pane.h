@@ -10,7 +10,6 @@
 
 #include "app/commands.h"
 #include "app/note_address.h"
-#include "app/open_conflict.h"
 #include "app/open_note.h"
 #include "app/services.h"
 #include "base/failure.h"
@@ -21,10 +20,10 @@ class QStackedWidget;
 
 namespace tessaly::desktop {
 
-class ConflictBarView;
+class CaretTasks;
 class FindBar;
 class NoteEditor;
-class VersionDifferences;
+class NoteVersions;
 
 /// The open note: its editor, with the bars above and below it, or why there is nothing to edit.
 class NotePane : public QWidget {
@@ -77,44 +76,35 @@ Q_SIGNALS:
     void gone();
 
 private:
-    enum class Page { empty, editor, version, differences };
+    enum class Page { empty, editor, versions };
 
     void build();
     void connectParts();
     void open(const app::NoteAddress& address);
     void showNote();
+    /// The open note, a version of it, or why it cannot be shown.
+    void showOpenPage();
     void showPage(Page page);
     void showProblem(const QString& text);
     std::string currentText();
     void onEdited();
     void onMerged(const std::string& text);
     void onSaveState();
-    void showVersion(const app::ShownVersion& version);
-    void hideVersions();
-    void showDifferences(bool isShown);
     bool showsMainEditor() const;
-    void resolve(void (app::OpenConflict::*how)());
-    bool performOnTasks(app::CommandId command);
-    bool changeTasks(app::CommandId command);
-    std::vector<tasks::TaskReference> selectedTasks();
-    void askWindow(app::CommandId command);
 
     app::Services& _services;
     std::unique_ptr<app::OpenNote> _note;
-    std::unique_ptr<app::OpenConflict> _conflict;
-    std::optional<app::ShownVersion> _version;  ///< nothing: the note is not in conflict
     std::string _noteText;  ///< whose `shownText` the editor held at `_noteRevision`
     int _noteRevision = -1;
     std::string _savedText;  ///< after the last `saveNow`
     QString _title;          ///< that was told last
 
-    ConflictBarView* _bar = nullptr;
     QLabel* _readOnly = nullptr;
     QStackedWidget* _pages = nullptr;
     QLabel* _empty = nullptr;
     NoteEditor* _editor = nullptr;
-    NoteEditor* _versionView = nullptr;
-    VersionDifferences* _differences = nullptr;
+    NoteVersions* _versions = nullptr;
+    CaretTasks* _tasks = nullptr;
     FindBar* _findBar = nullptr;
 };
 

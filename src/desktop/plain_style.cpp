@@ -44,19 +44,27 @@ void paintComboFrame(QPainter& painter, const QStyleOption& option) {
               IconName::chevronDown, colors.text2);
 }
 
+/// Where a dragged row would go: into what is framed.
+void paintDropPlace(QPainter& painter, const QStyleOption& option) {
+    painter.setPen(QPen(Theme::instance().colors().accent, 1.6));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(8, 1, -8, -1), frameRadius, frameRadius);
+}
+
 }  // namespace
 
 PlainStyle::PlainStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
 void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
-    if (element != PE_IndicatorCheckBox) {
+    if (element != PE_IndicatorCheckBox && element != PE_IndicatorItemViewItemDrop) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
     }
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    paintCheckBox(*painter, *option);
+    element == PE_IndicatorCheckBox ? paintCheckBox(*painter, *option)
+                                    : paintDropPlace(*painter, *option);
     painter->restore();
 }
 
@@ -70,6 +78,13 @@ void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     painter->setRenderHint(QPainter::Antialiasing);
     paintComboFrame(*painter, *option);
     painter->restore();
+}
+
+int PlainStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* returned) const {
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons
+               ? 0
+               : QProxyStyle::styleHint(hint, option, widget, returned);
 }
 
 }  // namespace tessaly::desktop

@@ -200,12 +200,13 @@ private:
         const QFont font = _theme.uiFont(pixelSize);
         const QFontMetrics metrics(font);
         QString words = _texts.content;
+        const QString ellipsis = QStringLiteral("…");
         int hidden = 0;
         const int matchEnd = _texts.matchStart + _texts.matchLength;
         if (metrics.horizontalAdvance(words) > place.width() &&
-            metrics.horizontalAdvance(words.left(matchEnd)) > place.width() - 2 * resultPadding) {
+            metrics.horizontalAdvance(words.left(matchEnd) + ellipsis) > place.width()) {
             hidden = unitsToHide(words, metrics, place.width());
-            words = QStringLiteral("…") + words.mid(hidden);
+            words = ellipsis + words.mid(hidden);
             --hidden;
         }
         words = metrics.elidedText(words, Qt::ElideRight, place.width());

@@ -8,8 +8,10 @@
 #include <map>
 #include <utility>
 
+#include "desktop/list_anchor.h"
 #include "desktop/qt_text.h"
 #include "desktop/result_delegate.h"
+#include "desktop/task_list_commands.h"
 #include "desktop/theme.h"
 #include "grammar/calendar_day.h"
 
@@ -19,8 +21,6 @@ namespace {
 using app::CommandId;
 using ResultKind = ResultModel::Kind;
 using Tasks = std::vector<tasks::TaskReference>;
-
-constexpr int mostTimes = 999;
 
 app::Place placeOfRow(const search::SearchResultItem& row) {
     if (row.noteType != base::NoteType::calendar) {
@@ -56,7 +56,7 @@ ResultList::ResultList(QWidget* parent) : QListView(parent), _model(new ResultMo
 
 void ResultList::setView(const app::ListView& view) {
     const bool isAnother = view.rows == app::ListView::Rows::ofAnother;
-    const Anchor held = isAnother ? Anchor{} : anchor();
+    const ListAnchor held(*this);
     const int oldCurrent = isAnother ? -1 : currentIndex().row();
     if (isAnother) {
         unmark();
@@ -68,48 +68,21 @@ void ResultList::setView(const app::ListView& view) {
     if (isAnother) {
         setCurrentIndex({});
         verticalScrollBar()->setValue(0);
-    } else {
-        restore(held, oldCurrent, newRows);
+        return;
     }
-}
-
-/// The row that stays where it is: the current one while it is in sight, else the first in sight.
-ResultList::Anchor ResultList::anchor() const {
-    const QRect place = visualRect(currentIndex());
-    if (currentIndex().isValid() && viewport()->rect().intersects(place)) {
-        return {currentIndex().row(), place.top()};
-    }
-    const QModelIndex first = indexAt(QPoint(viewport()->width() / 2, 1));
-    const bool isAtTop = verticalScrollBar()->value() == 0;
-    return first.isValid() && !isAtTop ? Anchor{first.row(), visualRect(first).top()} : Anchor{};
-}
-
-void ResultList::restore(const Anchor& held, int oldCurrent, const std::vector<int>& newRows) {
-    const auto nextOf = [&](int oldRow) {
-        for (auto row = static_cast<std::size_t>(oldRow); row < newRows.size(); ++row) {
-            if (newRows[row] >= 0 && _model->isSelectable(newRows[row])) {
-                return newRows[row];
-            }
-        }
-        for (auto row = static_cast<std::size_t>(oldRow); row-- > 0;) {
-            if (newRows[row] >= 0 && _model->isSelectable(newRows[row])) {
-                return newRows[row];
-            }
-        }
-        return -1;
-    };
     if (oldCurrent >= 0) {
-        const bool hasGone = newRows[static_cast<std::size_t>(oldCurrent)] < 0;
-        const QModelIndex current = _model->index(nextOf(oldCurrent));
-        const bool isAlone = !selectionModel()->hasSelection();
-        selectionModel()->setCurrentIndex(current, hasGone && isAlone && !_isMarking
-                                                       ? QItemSelectionModel::ClearAndSelect
-                                                       : QItemSelectionModel::NoUpdate);
+        restoreCurrent(oldCurrent, newRows);
     }
-    if (const int row = held.row < 0 ? -1 : nextOf(held.row); row >= 0) {
-        QScrollBar* bar = verticalScrollBar();
-        bar->setValue(bar->value() + visualRect(_model->index(row)).top() - held.top);
-    }
+    held.restore(*this, newRows);
+}
+
+void ResultList::restoreCurrent(int oldCurrent, const std::vector<int>& newRows) {
+    const bool hasGone = newRows[static_cast<std::size_t>(oldCurrent)] < 0;
+    const QModelIndex current = _model->index(rowInPlaceOf(oldCurrent, newRows, *_model));
+    const bool isAlone = !selectionModel()->hasSelection();
+    selectionModel()->setCurrentIndex(current, hasGone && isAlone && !_isMarking
+                                                   ? QItemSelectionModel::ClearAndSelect
+                                                   : QItemSelectionModel::NoUpdate);
 }
 
 std::vector<int> ResultList::selectedRows() const {
@@ -145,29 +118,24 @@ QRect ResultList::selectionAnchor() const {
 }
 
 bool ResultList::perform(CommandId command) {
-    switch (command) {
-        case CommandId::completeTask:
-        case CommandId::cancelTask:
-        case CommandId::reopenTask: break;
-        case CommandId::scheduleTask: {
-            const Tasks tasks = selectedTasks();
-            if (!tasks.empty()) {
-                Q_EMIT scheduleAsked(tasks, selectionAnchor());
-            }
-            return !tasks.empty();
-        }
-        case CommandId::taskLater: return shift(1);
-        case CommandId::taskEarlier: return shift(-1);
-        case CommandId::taskWeekLater: return shift(7);
-        case CommandId::taskWeekEarlier: return shift(-7);
-        case CommandId::jumpToSource: return open(currentIndex().row(), OpenFocus::follows);
-        default: return false;
+    if (command == CommandId::jumpToSource) {
+        return open(currentIndex().row(), OpenFocus::follows);
+    }
+    if (const auto days = taskMoveOf(command)) {
+        return shift(*days);
     }
     const Tasks tasks = selectedTasks();
-    if (!tasks.empty()) {
-        Q_EMIT gesture(command, tasks);
+    if (tasks.empty()) {
+        return false;
     }
-    return !tasks.empty();
+    if (command == CommandId::scheduleTask) {
+        Q_EMIT scheduleAsked(tasks, selectionAnchor());
+    } else if (taskStepOf(command)) {
+        Q_EMIT gesture(command, tasks);
+    } else {
+        return false;
+    }
+    return true;
 }
 
 /// Tasks without a day go from today.
@@ -230,7 +198,7 @@ void ResultList::mark() {
 
 void ResultList::unmark() {
     _isMarking = false;
-    _count = 0;
+    _count.clear();
 }
 
 bool ResultList::open(int row, OpenFocus focus) {
@@ -247,13 +215,11 @@ bool ResultList::performLetter(const QString& letter) {
     if (letter.size() != 1) {
         return false;
     }
-    const QChar sign = letter.front();
-    if (sign.isDigit() && (sign != QLatin1Char('0') || _count > 0)) {
-        _count = std::min(_count * 10 + sign.digitValue(), mostTimes);
+    if (_count.take(letter)) {
         return true;
     }
-    const int count = std::max(std::exchange(_count, 0), 1);
-    switch (sign.unicode()) {
+    const int count = _count.spend();
+    switch (letter.front().unicode()) {
         case 'j': moveBy(count); break;
         case 'k': moveBy(-count); break;
         case 'x':
@@ -287,7 +253,7 @@ void ResultList::keyPressEvent(QKeyEvent* event) {
         event->accept();
         return;
     }
-    _count = 0;
+    _count.clear();
     switch (isPlain ? event->key() : 0) {
         case Qt::Key_Return:
         case Qt::Key_Enter: open(currentIndex().row(), OpenFocus::follows); return;

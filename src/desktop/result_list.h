@@ -9,6 +9,7 @@
 #include "app/list_feed.h"
 #include "app/place.h"
 #include "base/day.h"
+#include "desktop/key_count.h"
 #include "desktop/result_model.h"
 #include "tasks/task_outcome.h"
 
@@ -58,12 +59,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Anchor {
-        int row = -1;
-        int top = 0;
-    };
-    Anchor anchor() const;
-    void restore(const Anchor& anchor, int oldCurrent, const std::vector<int>& newRows);
+    void restoreCurrent(int oldCurrent, const std::vector<int>& newRows);
     int taskBoxAt(const QPoint& place) const;
     bool open(int row, OpenFocus focus);
     void moveBy(int rows);
@@ -80,7 +76,7 @@ private:
 
     ResultModel* _model;
     base::Day _today{};
-    int _count = 0;           ///< typed before a letter; 0: none
+    KeyCount _count;
     bool _isMarking = false;  ///< rows are selected one by one, and moving keeps them
     bool _isTicking = false;  ///< the mouse went down on a box
 };

@@ -2,6 +2,7 @@
 #include "desktop/side_bar_delegate.h"
 
 #include <QAbstractItemModel>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
@@ -25,7 +26,7 @@ constexpr int cornerRadius = 7;
 constexpr int iconLeft = 16;
 constexpr int iconSize = 16;
 constexpr int textGap = 9;
-constexpr int step = 16;  ///< of indentation
+constexpr int levelStep = 16;  ///< of indentation
 constexpr int headLeft = 18;
 constexpr int rightGap = 18;
 constexpr int chevronSize = 12;
@@ -117,7 +118,7 @@ public:
                               _option.rect.width() - 2 * headLeft, 1, theme.colors().line);
         }
         paintBack();
-        const int left = iconLeft + _index.data(SideBarModel::levelRole).toInt() * step;
+        const int left = iconLeft + _index.data(SideBarModel::levelRole).toInt() * levelStep;
         if (const auto icon = iconOf(_type)) {
             const QRect place(_option.rect.left() + left,
                               _option.rect.center().y() + 1 - iconSize / 2, iconSize, iconSize);
@@ -266,9 +267,25 @@ QWidget* SideBarDelegate::createEditor(QWidget* parent, const QStyleOptionViewIt
 
 void SideBarDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                            const QModelIndex& index) const {
-    const int left = iconLeft + index.data(SideBarModel::levelRole).toInt() * step + iconSize + 2;
+    const int left =
+        iconLeft + index.data(SideBarModel::levelRole).toInt() * levelStep + iconSize + 2;
     editor->setGeometry(QStyle::visualRect(option.direction, option.rect,
                                            option.rect.adjusted(left, 1, -inset, -1)));
+}
+
+/// The base takes Enter only when the event loop runs again; where the focus has gone by then, it
+/// would end the editing a second time.
+bool SideBarDelegate::eventFilter(QObject* editor, QEvent* event) {
+    auto* const edit = qobject_cast<QWidget*>(editor);
+    if (edit != nullptr && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<const QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            Q_EMIT commitData(edit);
+            Q_EMIT closeEditor(edit, NoHint);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
 }
 
 }  // namespace tessaly::desktop

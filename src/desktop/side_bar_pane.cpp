@@ -3,19 +3,19 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QInputDialog>
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QPainter>
-#include <QPointer>
 #include <QVBoxLayout>
+#include <memory>
+#include <string>
 #include <utility>
 
-#include "app/note_organiser.h"
-#include "desktop/folder_chooser.h"
 #include "desktop/qt_text.h"
+#include "desktop/side_bar_changes.h"
 #include "desktop/side_bar_menu.h"
 #include "desktop/side_bar_model.h"
+#include "desktop/side_bar_rows.h"
 #include "desktop/side_bar_tree.h"
 #include "desktop/theme.h"
 
@@ -25,82 +25,13 @@ namespace {
 using search::SideBarItem;
 using Type = search::SideBarItemType;
 
-constexpr char folderKind[] = "folder:";
-constexpr char noteKind[] = "note:";
-
-std::string folderPartOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    return slash == std::string::npos ? std::string() : name.substr(0, slash);
-}
-
-/// A row's key in two: its kind with the colon, and its name.
-std::pair<std::string, std::string> partsOfKey(const std::string& key) {
-    const std::size_t colon = key.find(':');
-    return {key.substr(0, colon + 1), key.substr(colon + 1)};
-}
-
-app::ListRequest listOf(const SideBarItem& item) {
-    const std::string name(item.text);
-    const std::string title(item.displayText);
-    switch (item.type) {
-        case Type::view: return {{}, name, title};
-        case Type::hashtag:
-        case Type::attag: return {name, {}, name};
-        case Type::inbox: return {"//inbox", {}, title};
-        case Type::recent: return {"//recent", {}, title};
-        default: return {"in:\"" + name + '"', {}, title};
-    }
-}
-
-/// The key of the row that shows a list; the wording of its query counts.
-std::string keyOfList(const app::ListRequest& list) {
-    if (!list.filter.empty()) {
-        return "view:" + list.filter;
-    }
-    const std::string& query = list.query;
-    if (query == "//inbox" || query == "//recent") {
-        return "section:" + query.substr(2);
-    }
-    if (query.starts_with('#')) {
-        return "hashtag:" + query;
-    }
-    if (query.starts_with('@')) {
-        return "attag:" + query;
-    }
-    if (query.starts_with("in:\"") && query.ends_with('"') && query.size() > 5) {
-        const std::string folder = query.substr(4, query.size() - 5);
-        return (folder == "Archive" ? "section:" : folderKind) + folder;
-    }
-    return {};
-}
-
-/// A head without rows, and what the window has nothing for.
-bool isWithoutUse(const SideBarItem& item) {
-    if (item.type == Type::preferences) {
-        return true;
-    }
-    const bool canBeEmpty = item.type == Type::viewHeader || item.type == Type::hashtagHeader ||
-                            item.type == Type::attagHeader;
-    return canBeEmpty && item.subItems.empty();
-}
-
-void addFolders(const SideBarItem& item, QStringList& folders) {
-    for (const auto& row : item.subItems) {
-        if (row->type == Type::folder || row->type == Type::archive) {
-            folders.push_back(qt(row->text));
-            addFolders(*row, folders);
-        } else if (row->type == Type::note) {
-            // Folders stand before notes.
-            break;
-        }
-    }
-}
+constexpr char notesKey[] = "section:Notes";
 
 }  // namespace
 
 struct SideBarPane::Parts {
     Parts(SideBarPane& pane, app::Services& all, app::SideBarFeed& tree)
-        : self(pane), services(all), feed(tree), organiser(all) {}
+        : self(pane), services(all), feed(tree), changes(*new SideBarChanges(all, tree, &pane)) {}
 
     SideBarItem* current() const { return SideBarModel::itemAt(view->currentIndex()); }
 
@@ -186,17 +117,18 @@ struct SideBarPane::Parts {
             case Type::attag:
             case Type::inbox:
             case Type::recent:
-            case Type::archive: Q_EMIT self.listChosen(listOf(*item)); break;
+            case Type::archive: Q_EMIT self.listChosen(listOfRow(*item)); break;
             default: view->setExpanded(index, !view->isExpanded(index)); break;
         }
     }
 
-    void showMenu(const QModelIndex& index, const QPoint& place) {
+    /// Beside the rows, what can be done with all notes.
+    void showMenu(const QModelIndex& asked, const QPoint& place) {
+        const QModelIndex index = asked.isValid() ? asked : model->indexOfKey(notesKey);
         const SideBarItem* item = SideBarModel::itemAt(index);
         if (item == nullptr) {
             return;
         }
-        view->setCurrentIndex(index);
         auto* menu = new QMenu(&self);
         menu->setAttribute(Qt::WA_DeleteOnClose);
         // The tree may change while the menu is open.
@@ -207,7 +139,17 @@ struct SideBarPane::Parts {
             delete menu;
             return;
         }
+        showWhatMenuIsFor(*menu, asked);
         menu->popup(place);
+    }
+
+    /// The row is current as long as the menu is open; one that is left without a choice leaves
+    /// all as it was.
+    void showWhatMenuIsFor(const QMenu& menu, const QModelIndex& index) {
+        const auto before = std::make_shared<std::string>(currentKey);
+        view->setCurrentIndex(index);
+        connect(&menu, &QMenu::triggered, &self, [before] { before->clear(); });
+        connect(&menu, &QObject::destroyed, &self, [this, before] { selectKey(*before); });
     }
 
     void perform(SideBarAction action, const std::string& key) {
@@ -217,15 +159,15 @@ struct SideBarPane::Parts {
             return;
         }
         const std::string name(item->text);
-        const std::string folder = folderOf(*item);
+        const std::string folder = folderOfRow(*item);
         switch (action) {
             case SideBarAction::open: choose(index); break;
-            case SideBarAction::showList: Q_EMIT self.listChosen(listOf(*item)); break;
+            case SideBarAction::showList: Q_EMIT self.listChosen(listOfRow(*item)); break;
             case SideBarAction::newNote: Q_EMIT self.newNoteAsked(qt(folder)); break;
-            case SideBarAction::newFolder: askForFolder(folder); break;
+            case SideBarAction::newFolder: changes.makeFolder(folder); break;
             case SideBarAction::rename: view->edit(index); break;
-            case SideBarAction::move: chooseFolder(key); break;
-            case SideBarAction::trash: trash(key); break;
+            case SideBarAction::move: changes.move(key); break;
+            case SideBarAction::trash: changes.trash(key); break;
             case SideBarAction::copyLink: Q_EMIT self.copyNoteLinkAsked(qt(name)); break;
             case SideBarAction::copyTag: QGuiApplication::clipboard()->setText(qt(name)); break;
             case SideBarAction::openFolder:
@@ -234,114 +176,59 @@ struct SideBarPane::Parts {
         }
     }
 
-    /// That a row is, or lies in.
-    static std::string folderOf(const SideBarItem& item) {
-        const bool isFolder = item.type == Type::folder || item.type == Type::archive;
-        return isFolder                  ? std::string(item.text)
-               : item.type == Type::note ? folderPartOf(std::string(item.text))
-                                         : std::string();
-    }
-
-    void askForFolder(const std::string& parent) {
-        auto* dialog = new QInputDialog(&self);
-        dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setWindowTitle(trText("New Folder"));
-        dialog->setLabelText(trText("Name"));
-        connect(dialog, &QInputDialog::textValueSelected, &self,
-                [this, parent](const QString& name) {
-                    organiser.newFolder(parent, utf8(name), told(folderKind));
+    void connectTree() {
+        connect(view->selectionModel(), &QItemSelectionModel::currentChanged, &self,
+                [this](const QModelIndex& index) {
+                    if (!model->isChanging()) {
+                        const SideBarItem* item = SideBarModel::itemAt(index);
+                        currentKey =
+                            item == nullptr ? std::string() : search::SideBar::keyOf(*item);
+                    }
                 });
-        dialog->open();
+        connect(view, &QTreeView::expanded, &self, [this](const QModelIndex& index) {
+            feed.setExpanded(*SideBarModel::itemAt(index), true);
+        });
+        connect(view, &QTreeView::collapsed, &self, [this](const QModelIndex& index) {
+            feed.setExpanded(*SideBarModel::itemAt(index), false);
+        });
+        connect(view, &SideBarTree::chosen, &self,
+                [this](const QModelIndex& index) { choose(index); });
+        connect(view, &SideBarTree::menuAsked, &self,
+                [this](const QModelIndex& index, const QPoint& place) { showMenu(index, place); });
+        connect(view, &SideBarTree::trashAsked, &self, [this](const QModelIndex& index) {
+            changes.trash(search::SideBar::keyOf(*SideBarModel::itemAt(index)));
+        });
+        connect(model, &SideBarModel::renameAsked, &self,
+                [this](const QString& key, const QString& name) {
+                    changes.rename(utf8(key), utf8(name));
+                });
+        connect(model, &SideBarModel::moveAsked, &self,
+                [this](const QString& key, const QString& folder) {
+                    changes.move(utf8(key), utf8(folder));
+                });
+        connect(model, &SideBarModel::trashAsked, &self,
+                [this](const QString& key) { changes.trash(utf8(key)); });
     }
 
-    void chooseFolder(const std::string& key) {
-        QStringList folders;
-        for (const auto& top : feed.sideBar().items()) {
-            addFolders(*top, folders);
-        }
-        auto* chooser = new FolderChooser(trText("Move to Folder"), folders, &self);
-        connect(chooser, &FolderChooser::folderChosen, &self,
-                [this, key](const QString& folder) { move(key, utf8(folder)); });
-        chooser->open();
-    }
-
-    bool mayChange() const { return !beforeChange || beforeChange(); }
-
-    void rename(const std::string& key, const std::string& to) {
-        const auto [kind, name] = partsOfKey(key);
-        if (kind == "view:") {
-            organiser.renameFilter(name, to, filterTold());
-        } else if (mayChange()) {
-            kind == noteKind ? organiser.renameNote(name, to, told(kind))
-                             : organiser.renameFolder(name, to, told(kind));
-        }
-    }
-
-    void move(const std::string& key, const std::string& folder) {
-        const auto [kind, name] = partsOfKey(key);
-        if (mayChange()) {
-            kind == noteKind ? organiser.moveNote(name, folder, told(kind))
-                             : organiser.moveFolder(name, folder, told(kind));
-        }
-    }
-
-    void trash(const std::string& key) {
-        const auto [kind, name] = partsOfKey(key);
-        if (kind == "view:") {
-            organiser.trashFilter(name, filterTold());
-        } else if (kind == noteKind && mayChange()) {
-            organiser.trashNote(name, told(kind));
-        } else if (kind == folderKind && mayChange()) {
-            organiser.trashFolder(name, told(kind));
-        }
-    }
-
-    app::NoteOrganiser::Told told(const std::string& kind) {
-        return [this, kind](const app::OrganisedNotes& what) {
-            if (!what.isFailure) {
-                if (!what.from.empty()) {
-                    Q_EMIT self.renamed(qt(what.from), qt(what.to));
-                }
-                awaited = what.to.empty() ? std::string() : kind + what.to;
-                follow();
-            }
-            tell(what);
-        };
-    }
-
-    app::NoteOrganiser::Told filterTold() {
-        return [this](const app::OrganisedNotes& what) {
-            if (!what.isFailure) {
-                feed.filtersChanged();
-                Q_EMIT self.filterRenamed(qt(what.from), qt(what.to));
-            }
-            tell(what);
-        };
-    }
-
-    /// What takes it back saves what is open first, too.
-    void tell(const app::OrganisedNotes& what) {
-        std::function<void()> undo;
-        if (what.undo) {
-            undo = [pane = QPointer<SideBarPane>(&self), this, takeBack = what.undo] {
-                if (pane != nullptr && mayChange()) {
-                    takeBack();
-                }
-            };
-        }
-        Q_EMIT self.notice(qt(what.text), what.isFailure, undo);
+    void connectChanges() {
+        connect(&changes, &SideBarChanges::renamed, &self, &SideBarPane::renamed);
+        connect(&changes, &SideBarChanges::filterRenamed, &self, &SideBarPane::filterRenamed);
+        connect(&changes, &SideBarChanges::notice, &self, &SideBarPane::notice);
+        connect(&changes, &SideBarChanges::done, &self, [this](const QString& key) {
+            awaited = utf8(key);
+            follow();
+        });
     }
 
     SideBarPane& self;
     app::Services& services;
     app::SideBarFeed& feed;
-    std::function<bool()> beforeChange;
-    std::string currentKey;  ///< of the row that was made current by us or the user
-    std::string awaited;     ///< the key of a row that is to be selected once it is there
+    SideBarChanges& changes;  ///< owned by the pane
+    std::string currentKey;   ///< of the row that was made current by us or the user
+    std::string awaited;      ///< the key of a row that is to be selected once it is there
     QVBoxLayout* column = nullptr;
     SideBarModel* model = nullptr;
     SideBarTree* view = nullptr;
-    app::NoteOrganiser organiser;
 };
 
 SideBarPane::SideBarPane(app::Services& services, app::SideBarFeed& feed, QWidget* parent)
@@ -359,37 +246,8 @@ SideBarPane::SideBarPane(app::Services& services, app::SideBarFeed& feed, QWidge
     Parts* parts = _parts.get();
     feed.setOnUpdated([parts] { parts->follow(); });
     feed.setOnReplaced([parts](search::SideBar& tree) { parts->model->show(tree); });
-    connect(parts->view->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [parts](const QModelIndex& index) {
-                if (!parts->model->isChanging()) {
-                    const SideBarItem* item = SideBarModel::itemAt(index);
-                    parts->currentKey =
-                        item == nullptr ? std::string() : search::SideBar::keyOf(*item);
-                }
-            });
-    connect(parts->view, &QTreeView::expanded, this, [parts](const QModelIndex& index) {
-        parts->feed.setExpanded(*SideBarModel::itemAt(index), true);
-    });
-    connect(parts->view, &QTreeView::collapsed, this, [parts](const QModelIndex& index) {
-        parts->feed.setExpanded(*SideBarModel::itemAt(index), false);
-    });
-    connect(parts->view, &SideBarTree::chosen, this,
-            [parts](const QModelIndex& index) { parts->choose(index); });
-    connect(
-        parts->view, &SideBarTree::menuAsked, this,
-        [parts](const QModelIndex& index, const QPoint& place) { parts->showMenu(index, place); });
-    connect(parts->view, &SideBarTree::trashAsked, this, [parts](const QModelIndex& index) {
-        parts->trash(search::SideBar::keyOf(*SideBarModel::itemAt(index)));
-    });
-    connect(
-        parts->model, &SideBarModel::renameAsked, this,
-        [parts](const QString& key, const QString& name) { parts->rename(utf8(key), utf8(name)); });
-    connect(parts->model, &SideBarModel::moveAsked, this,
-            [parts](const QString& key, const QString& folder) {
-                parts->move(utf8(key), utf8(folder));
-            });
-    connect(parts->model, &SideBarModel::trashAsked, this,
-            [parts](const QString& key) { parts->trash(utf8(key)); });
+    parts->connectTree();
+    parts->connectChanges();
     connect(&Theme::instance(), &Theme::changed, this, [this] { update(); });
     parts->follow();
 }
@@ -415,12 +273,7 @@ void SideBarPane::setSearchField(QWidget* field) {
 }
 
 void SideBarPane::setCurrent(const app::Place& place) {
-    const base::Day today = _parts->services.today();
-    const bool isToday = place.kind == app::Place::Kind::day && place.day == today;
-    _parts->select(place.kind == app::Place::Kind::note   ? noteKind + place.filename
-                   : place.kind == app::Place::Kind::week ? std::string("section:week")
-                   : isToday                              ? std::string("section:today")
-                                                          : std::string());
+    _parts->select(keyOfPlace(place, _parts->services.today()));
 }
 
 void SideBarPane::setCurrent(const app::ListRequest& list) {
@@ -428,7 +281,7 @@ void SideBarPane::setCurrent(const app::ListRequest& list) {
 }
 
 void SideBarPane::setBeforeChange(std::function<bool()> beforeChange) {
-    _parts->beforeChange = std::move(beforeChange);
+    _parts->changes.setBeforeChange(std::move(beforeChange));
 }
 
 void SideBarPane::renameNote(const std::string& filename) {
@@ -440,20 +293,20 @@ void SideBarPane::renameNote(const std::string& filename) {
 }
 
 void SideBarPane::moveNote(const std::string& filename) {
-    _parts->chooseFolder(noteKind + filename);
+    _parts->changes.move(noteKind + filename);
 }
 
 void SideBarPane::trashNote(const std::string& filename) {
-    _parts->trash(noteKind + filename);
+    _parts->changes.trash(noteKind + filename);
 }
 
 void SideBarPane::newFolder() {
-    _parts->askForFolder(currentFolder());
+    _parts->changes.makeFolder(currentFolder());
 }
 
 std::string SideBarPane::currentFolder() const {
     const SideBarItem* item = _parts->current();
-    return item == nullptr ? std::string() : Parts::folderOf(*item);
+    return item == nullptr ? std::string() : folderOfRow(*item);
 }
 
 void SideBarPane::focusTree() {

@@ -46,6 +46,19 @@ void SideBarTree::drawRow(QPainter* painter, const QStyleOptionViewItem& options
     QTreeView::drawRow(painter, own, index);
 }
 
+/// The window would take F2 for the open note, whichever row has the keys.
+bool SideBarTree::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && currentIndex().isValid()) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool canRename = currentIndex().flags().testFlag(Qt::ItemIsEditable);
+        if (key.key() == Qt::Key_F2 && key.modifiers() == Qt::NoModifier && canRename) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTreeView::event(event);
+}
+
 void SideBarTree::mousePressEvent(QMouseEvent* event) {
     _pressed = event->button() == Qt::LeftButton ? indexAt(event->pos()) : QModelIndex();
     _isSignPressed = _pressed.isValid() &&

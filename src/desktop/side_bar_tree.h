@@ -18,6 +18,7 @@ Q_SIGNALS:
     void trashAsked(const QModelIndex& index);
 
 protected:
+    bool event(QEvent* event) override;
     void drawBranches(QPainter*, const QRect&, const QModelIndex&) const override {}
     void drawRow(QPainter* painter, const QStyleOptionViewItem& options,
                  const QModelIndex& index) const override;

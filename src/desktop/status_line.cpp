@@ -102,25 +102,23 @@ StatusLine::StatusLine(QWidget* parent)
 }
 
 void StatusLine::begin(std::shared_ptr<app::LongWork> work) {
+    if (_works.empty()) {
+        _clock.start();
+    }
     _works.push_back(std::move(work));
-    _clock.start();
     _timer.start();
     look();
 }
 
-store::NoteCache::LoadOptions StatusLine::begin(const QString& what) {
-    const auto work =
-        std::make_shared<app::LongWork>(utf8(what), std::nullopt, app::LongWork::Cancel::possible);
-    begin(work);
-    store::NoteCache::LoadOptions options;
-    options.progress = [work](std::size_t files) { work->tell(files); };
-    options.cancelled = &work->cancelled();
-    return options;
-}
-
-void StatusLine::end() {
-    _timer.stop();
-    hide();
+void StatusLine::end(const app::LongWork* work) {
+    const std::size_t before = _works.size();
+    std::erase_if(_works, [&](const auto& each) { return each.get() == work; });
+    if (_works.empty()) {
+        _timer.stop();
+        hide();
+    } else if (_works.size() != before) {
+        look();
+    }
 }
 
 void StatusLine::look() {
@@ -129,14 +127,15 @@ void StatusLine::look() {
     _what->setText(view.isCancelled ? trText("Cancelling…") : qt(view.what));
     _progress->setText(qt(app::progressText(view, _formats)));
     _cancel->setVisible(view.isCancellable);
-    _line->showPart(view.done, view.total);
+    _line->showPart(view.done.value_or(0), view.total);
     setVisible(time >= patience);
 }
 
 void StatusLine::cancel() {
-    _works.back()->cancel();
+    const auto work = _works.back();
+    work->cancel();
     look();
-    Q_EMIT cancelled();
+    Q_EMIT cancelled(work.get());
 }
 
 void StatusLine::dress() {

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "app/long_work.h"
-#include "store/note_cache.h"
 
 class QLabel;
 class QPushButton;
@@ -25,19 +24,18 @@ class StatusLine : public QWidget {
 public:
     explicit StatusLine(QWidget* parent = nullptr);
 
-    /// Shows this work until `end`; what was shown before goes on unseen.
+    /// Shows this work until its `end`, or until another begins, behind which it waits unseen.
     void begin(std::shared_ptr<app::LongWork> work);
-    /// The same for a load of notes, which can be cancelled and ends before this object goes.
-    store::NoteCache::LoadOptions begin(const QString& what);
-    void end();
+    /// Work that has not begun, or has ended, is ignored.
+    void end(const app::LongWork* work);
 
     static constexpr int milliseconds = 100;  ///< between two looks at the work
     /// Work that ends sooner is not shown.
     static constexpr std::chrono::milliseconds patience{400};
 
 Q_SIGNALS:
-    /// The user has enough of it. The work is told, and shown until `end`.
-    void cancelled();
+    /// The user has enough of it. The work is told, and shown until its `end`.
+    void cancelled(const app::LongWork* work);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -54,8 +52,7 @@ private:
     QTimer _timer;
     QElapsedTimer _clock;
     base::LocaleFormats _formats;
-    std::vector<std::shared_ptr<app::LongWork>>
-        _works;  ///< all that have begun, the shown one last
+    std::vector<std::shared_ptr<app::LongWork>> _works;  ///< not ended; the shown one last
 };
 
 }  // namespace tessaly::desktop

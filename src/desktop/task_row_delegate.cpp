@@ -2,6 +2,7 @@
 #include "desktop/task_row_delegate.h"
 
 #include <QAbstractItemView>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QStyle>
 #include <QTextLayout>
@@ -151,11 +152,32 @@ QRect headingRect(const QStyleOptionViewItem& option, int height) {
     return {row.left() + rowSide, row.bottom() - height - 3, row.width() - 2 * rowSide, height};
 }
 
+/// The text fades before what lies on it.
+void fadeInto(QPainter& painter, const QRect& place, Qt::LayoutDirection direction,
+              const QColor& ground) {
+    constexpr int fade = 24;
+    const bool isMirrored = direction == Qt::RightToLeft;
+    const int edge = isMirrored ? place.right() + 1 : place.left();
+    const int far = isMirrored ? edge + fade : edge - fade;
+    QLinearGradient veil(far, 0, edge, 0);
+    QColor clear = ground;
+    clear.setAlpha(0);
+    veil.setColorAt(0, clear);
+    veil.setColorAt(1, ground);
+    painter.fillRect(QRect(std::min(edge, far), place.top() + 1, fade, place.height() - 2), veil);
+}
+
 void paintTitle(QPainter& painter, const QStyleOptionViewItem& option, const TaskRow& row) {
-    QFont font = Theme::instance().uiFont(26, QFont::Bold);
+    constexpr int usualTitle = 26;
+    constexpr int smallestTitle = 17;
+    const QRect place = headingRect(option, 36);
+    QFont font = Theme::instance().uiFont(usualTitle, QFont::Bold);
     font.setLetterSpacing(QFont::AbsoluteSpacing, -0.4);
-    paintLine(painter, option, headingRect(option, 36), row.text, font,
-              Theme::instance().colors().text);
+    while (font.pixelSize() > smallestTitle &&
+           QFontMetrics(font).horizontalAdvance(row.text) > place.width()) {
+        font.setPixelSize(font.pixelSize() - 1);
+    }
+    paintLine(painter, option, place, row.text, font, Theme::instance().colors().text);
 }
 
 void paintDay(QPainter& painter, const QStyleOptionViewItem& option, const TaskRow& row,
@@ -294,9 +316,10 @@ void TaskRowDelegate::paintButtons(QPainter& painter, const QStyleOptionViewItem
     const bool isCurrent = option.state.testFlag(QStyle::State_HasFocus);
     const QRect schedule = partRect(row, TaskRowPart::schedule, option.rect, option.direction);
     const QRect jump = partRect(row, TaskRowPart::jump, option.rect, option.direction);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isCurrent ? colors.rowSelected : colors.rowHover);
-    painter.drawRect(schedule.united(jump).adjusted(-4, 1, 0, -1));
+    const QColor ground = isCurrent ? colors.rowSelected : colors.rowHover;
+    const QRect both = schedule.united(jump);
+    painter.fillRect(both.adjusted(0, 1, 0, -1), ground);
+    fadeInto(painter, both, option.direction, ground);
     const struct {
         TaskRowPart part;
         QRect rect;

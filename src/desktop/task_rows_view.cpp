@@ -10,8 +10,10 @@
 #include <QScrollBar>
 #include <QToolTip>
 #include <algorithm>
+#include <utility>
 
-#include "desktop/qt_text.h"
+#include "desktop/task_list_commands.h"
+#include "desktop/task_row_menu.h"
 #include "desktop/theme.h"
 
 namespace tessaly::desktop {
@@ -19,51 +21,6 @@ namespace {
 
 using app::CommandId;
 using Kind = TaskRow::Kind;
-
-bool isDoneWith(const TaskRow& row) {
-    return row.state == grammar::TodoType::done || row.state == grammar::TodoType::cancelled;
-}
-
-struct StepOfCommand {
-    CommandId command;
-    app::TaskStep step;
-};
-constexpr StepOfCommand taskSteps[] = {{CommandId::completeTask, app::TaskStep::complete},
-                                       {CommandId::cancelTask, app::TaskStep::cancel},
-                                       {CommandId::reopenTask, app::TaskStep::reopen}};
-
-struct DaysOfCommand {
-    CommandId command;
-    int days;
-};
-constexpr DaysOfCommand taskMoves[] = {{CommandId::taskLater, 1},
-                                       {CommandId::taskEarlier, -1},
-                                       {CommandId::taskWeekLater, 7},
-                                       {CommandId::taskWeekEarlier, -7}};
-
-QStringList listKeysOf(const app::CommandRow& row) {
-    return QString::fromLatin1(row.listKeys).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-std::optional<CommandId> commandOfTyped(const QString& typed) {
-    if (typed.isEmpty()) {
-        return std::nullopt;
-    }
-    for (const app::CommandRow& row : app::commandRows()) {
-        if (row.group == app::CommandGroup::task && listKeysOf(row).contains(typed)) {
-            return row.id;
-        }
-    }
-    return std::nullopt;
-}
-
-// A command's text (%1) and its letter in the list (%2), or another key.
-QString withListKey(CommandId id, const char* format, const QString& other = {}) {
-    const app::CommandRow& row = app::commandRow(id);
-    const QString text = trText(row.text);
-    const QString key = other.isEmpty() ? listKeysOf(row).value(0) : other;
-    return key.isEmpty() ? text : QString::fromLatin1(format).arg(text, key);
-}
 
 }  // namespace
 
@@ -138,6 +95,10 @@ void TaskRowsView::resizeEvent(QResizeEvent* event) {
         setViewportMargins(spare, 0, spare, 0);
     }
     QListView::resizeEvent(event);
+    // The base class looks at the height alone.
+    if (event->size().width() != event->oldSize().width()) {
+        scheduleDelayedItemsLayout();
+    }
 }
 
 const TaskRow* TaskRowsView::currentRow() const {
@@ -160,17 +121,13 @@ bool TaskRowsView::perform(CommandId command) {
     }
     // Whoever hears of it may show other rows at once.
     const TaskRow row = *found;
-    for (const StepOfCommand& known : taskSteps) {
-        if (known.command == command) {
-            Q_EMIT ticked(row.task, known.step);
-            return true;
-        }
+    if (const auto step = taskStepOf(command)) {
+        Q_EMIT ticked(row.task, *step);
+        return true;
     }
-    for (const DaysOfCommand& known : taskMoves) {
-        if (known.command == command) {
-            scheduleBy(row, known.days * std::max(1, std::exchange(_count, 0)));
-            return true;
-        }
+    if (const auto days = taskMoveOf(command)) {
+        scheduleBy(row, *days * _count.spend());
+        return true;
     }
     switch (command) {
         case CommandId::scheduleTask: askSchedule(currentIndex()); return true;
@@ -214,28 +171,17 @@ void TaskRowsView::activateRow(const QModelIndex& index) {
     }
 }
 
-// Digits before a key say how often.
-bool TaskRowsView::takeCount(const QString& typed) {
-    const bool isDigit =
-        typed.size() == 1 && typed[0] >= QLatin1Char('0') && typed[0] <= QLatin1Char('9');
-    if (!isDigit || (_count == 0 && typed[0] == QLatin1Char('0'))) {
-        return false;
-    }
-    _count = std::min(999, _count * 10 + typed[0].digitValue());
-    return true;
-}
-
 void TaskRowsView::keyPressEvent(QKeyEvent* event) {
     constexpr auto modifiers = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
     const QString typed = event->modifiers() & modifiers ? QString() : event->text();
-    if (takeCount(typed)) {
+    if (_count.take(typed)) {
         return;
     }
-    if (const auto command = commandOfTyped(typed); command && perform(*command)) {
-        _count = 0;
+    if (const auto command = taskCommandOfTyped(typed); command && perform(*command)) {
+        _count.clear();
         return;
     }
-    const int count = std::max(1, std::exchange(_count, 0));
+    const int count = _count.spend();
     const TaskRow* const row = currentRow();
     const bool isOverdueHead = row != nullptr && row->kind == Kind::overdue;
     const auto step = [this, count](int key) {
@@ -289,7 +235,7 @@ TaskRowsView::Hit TaskRowsView::hitAt(const QPoint& point) const {
 }
 
 void TaskRowsView::mousePressEvent(QMouseEvent* event) {
-    _count = 0;
+    _count.clear();
     _pressed = event->button() == Qt::LeftButton ? hitAt(event->position().toPoint()) : Hit{};
     QListView::mousePressEvent(event);
 }
@@ -345,35 +291,6 @@ void TaskRowsView::leaveEvent(QEvent* event) {
     QListView::leaveEvent(event);
 }
 
-bool TaskRowsView::fillMenu(QMenu& menu, const QModelIndex& index) {
-    const TaskRow& row = _model->row(index);
-    if (row.kind == Kind::day || row.kind == Kind::overdue) {
-        menu.addAction(row.kind == Kind::day ? trText("Open Note of the Day")
-                       : row.isFolded        ? trText("Show Overdue Tasks")
-                                             : trText("Hide Overdue Tasks"),
-                       this, [this] { activateRow(currentIndex()); });
-        return true;
-    }
-    if (row.kind != Kind::task) {
-        return false;
-    }
-    const auto add = [&](CommandId id) {
-        menu.addAction(withListKey(id, "%1\t%2"), this, [this, id] { perform(id); });
-    };
-    for (const CommandId id : {isDoneWith(row) ? CommandId::reopenTask : CommandId::completeTask,
-                               CommandId::cancelTask}) {
-        add(id);
-    }
-    menu.addSeparator();
-    for (const CommandId id : {CommandId::scheduleTask, CommandId::scheduleToday,
-                               CommandId::taskLater, CommandId::taskWeekLater}) {
-        add(id);
-    }
-    menu.addSeparator();
-    add(CommandId::jumpToSource);
-    return true;
-}
-
 void TaskRowsView::contextMenuEvent(QContextMenuEvent* event) {
     const bool isKey = event->reason() == QContextMenuEvent::Keyboard;
     const QModelIndex index = isKey ? currentIndex() : indexAt(event->pos());
@@ -385,7 +302,10 @@ void TaskRowsView::contextMenuEvent(QContextMenuEvent* event) {
     }
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (!fillMenu(*menu, index)) {
+    fillTaskRowMenu(
+        *menu, _model->row(index), [this](CommandId id) { perform(id); },
+        [this] { activateRow(currentIndex()); });
+    if (menu->isEmpty()) {
         delete menu;
         return;
     }
@@ -397,20 +317,10 @@ QString TaskRowsView::toolTipOf(const Hit& hit) const {
         return {};
     }
     const TaskRow& row = _model->row(hit.index);
-    const char* const format = "%1 (%2)";
-    switch (hit.part) {
-        case TaskRowPart::box:
-            return withListKey(isDoneWith(row) ? CommandId::reopenTask : CommandId::completeTask,
-                               format);
-        case TaskRowPart::schedule: return withListKey(CommandId::scheduleTask, format);
-        case TaskRowPart::jump:
-            return withListKey(CommandId::jumpToSource, format,
-                               QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText));
-        case TaskRowPart::body:
-            return _delegate->isCut(row, viewport()->width()) ? row.text : QString();
-        case TaskRowPart::none: break;
+    if (hit.part == TaskRowPart::body) {
+        return _delegate->isCut(row, viewport()->width()) ? row.text : QString();
     }
-    return {};
+    return taskRowToolTip(row, hit.part);
 }
 
 bool TaskRowsView::viewportEvent(QEvent* event) {

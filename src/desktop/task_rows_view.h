@@ -9,6 +9,7 @@
 #include "app/place.h"
 #include "app/task_changes.h"
 #include "base/day.h"
+#include "desktop/key_count.h"
 #include "desktop/task_row_delegate.h"
 #include "desktop/task_rows.h"
 
@@ -74,8 +75,6 @@ private:
     void askSchedule(const QModelIndex& index);
     void scheduleBy(const TaskRow& row, int days);
     void toggleOverdue();
-    bool takeCount(const QString& typed);
-    bool fillMenu(QMenu& menu, const QModelIndex& index);
     QString toolTipOf(const Hit& hit) const;
 
     TaskRowsModel* const _model;
@@ -85,7 +84,7 @@ private:
     OverdueFold _fold = OverdueFold::folded;
     int _columnWidth = QWIDGETSIZE_MAX;
     int _columnMargin = 0;
-    int _count = 0;  // typed before a key, as in "3>"; 0: none
+    KeyCount _count;
     Hit _pressed;
 };
 

@@ -25,12 +25,6 @@ WeekAgendaView::WeekAgendaView(grammar::DateStringHelper days, QWidget* parent)
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(_rows);
-    connect(_rows, &TaskRowsView::ticked, this, &WeekAgendaView::ticked);
-    connect(_rows, &TaskRowsView::scheduleAsked, this, &WeekAgendaView::scheduleAsked);
-    connect(_rows, &TaskRowsView::scheduled, this, &WeekAgendaView::scheduled);
-    connect(_rows, &TaskRowsView::jumped, this, &WeekAgendaView::jumped);
-    connect(_rows, &TaskRowsView::dayChosen, this, &WeekAgendaView::dayChosen);
-    connect(_rows, &TaskRowsView::undoAsked, this, &WeekAgendaView::undoAsked);
 }
 
 void WeekAgendaView::show(const app::WeekAgenda& agenda, base::Day today) {

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "app/change_notes.h"
-#include "app/task_changes.h"
 #include "base/localisation.h"
 #include "desktop/command_actions.h"
 #include "desktop/command_bar.h"
@@ -52,19 +50,33 @@ void MainWindow::perform(CommandId command) {
 
 void MainWindow::runGo(CommandId command) {
     switch (command) {
-        case CommandId::goToday: return go(Place::ofDay(_today));
-        case CommandId::goWeek: return go(Place::ofWeek(_selectedDay));
         case CommandId::goPreviousDay: return goDays(-1);
         case CommandId::goNextDay: return goDays(1);
         case CommandId::goToDate: return pickDate();
-        case CommandId::goBack: _places.back(); return showCurrentPlace();
-        case CommandId::goForward: _places.forward(); return showCurrentPlace();
         case CommandId::quickOpen: return _commandBar->showNotes();
         case CommandId::search: _panes->setShown(Pane::sideBar, true); return _searchField->enter();
         case CommandId::showInbox: return showList({"//inbox", {}, base::tr("Inbox")});
         case CommandId::showRecent: return showList({"//recent", {}, base::tr("Recent")});
+        default: runGoToPlace(command);
+    }
+}
+
+/// Who asks for a place by its command wants to write there.
+void MainWindow::runGoToPlace(CommandId command) {
+    switch (command) {
+        case CommandId::goToday: go(Place::ofDay(_today)); break;
+        case CommandId::goWeek: go(Place::ofWeek(_selectedDay)); break;
+        case CommandId::goBack:
+            _places.back();
+            showCurrentPlace();
+            break;
+        case CommandId::goForward:
+            _places.forward();
+            showCurrentPlace();
+            break;
         default: return;
     }
+    focusPane(Pane::middle);
 }
 
 void MainWindow::runOnNote(CommandId command) {
@@ -80,7 +92,7 @@ void MainWindow::runOnNote(CommandId command) {
         return;
     }
     if (command == CommandId::archiveDone) {
-        return archiveDone(*open);
+        return _tasks->archive({open->type, open->filename});
     }
     if (command == CommandId::openFolder) {
         return openFolderOf(open->type, open->filename);
@@ -109,11 +121,11 @@ void MainWindow::runOnTasks(CommandId command) {
     if (pane == Pane::list && _list->perform(command)) {
         return;
     }
-    if (pane == Pane::right && _dayPane->perform(command)) {
+    if (pane == Pane::right && _dayPane->rows().perform(command)) {
         return;
     }
     if (_middle->currentWidget() == _week) {
-        _week->perform(command);
+        _week->rows().perform(command);
     } else {
         _note->perform(command);
     }
@@ -168,30 +180,14 @@ void MainWindow::focusPane(Pane pane) {
         case Pane::sideBar: return _sideBar->focusTree();
         case Pane::list: return _list->enterList();
         case Pane::middle:
-            return _middle->currentWidget() == _week ? _week->focusTarget()->setFocus()
+            return _middle->currentWidget() == _week ? _week->rows().setFocus()
                                                      : _note->editor().setFocus();
-        case Pane::right: return _dayPane->focusTarget()->setFocus();
+        case Pane::right: return _dayPane->rows().setFocus();
     }
 }
 
 void MainWindow::stepPane(int step) {
     focusPane(_panes->next(_panes->paneOf(focusWidget()).value_or(Pane::middle), step));
-}
-
-void MainWindow::archiveDone(const app::NoteAddress& note) {
-    if (!_note->saveNow()) {
-        return;
-    }
-    const auto archived = app::archiveTasks(_services, {app::pathInDataFolder(note)});
-    if (!archived) {
-        return tell(qt(archived.failure().description), true);
-    }
-    _note->reread();
-    const bool isNothing = !archived->operation.has_value();
-    tell(
-        isNothing ? trText("There is nothing to archive in this note.")
-                  : trText("Archived the processed tasks of this note."),
-        isNothing, isNothing ? std::function<void()>() : [this] { _tasks->undoLast(); });
 }
 
 void MainWindow::openFolderOf(base::NoteType type, const std::string& filename) {

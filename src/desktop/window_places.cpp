@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include "app/change_notes.h"
 #include "app/schedule_text.h"
 #include "base/localisation.h"
 #include "desktop/command_bar.h"
@@ -63,7 +62,7 @@ bool MainWindow::showPlace(const Place& place, std::optional<std::size_t> line) 
         }
         _middle->setCurrentWidget(_week);
         refreshDays();
-        _week->focusTarget()->setFocus();
+        _week->rows().setFocus();
     } else {
         if (!_note->show(addressOf(place), line)) {
             if (!makeReadyToEnd()) {
@@ -78,7 +77,15 @@ bool MainWindow::showPlace(const Place& place, std::optional<std::size_t> line) 
         }
     }
     _sideBar->setCurrent(place);
+    updateEditing();
     return true;
+}
+
+void MainWindow::updateEditing() {
+    const auto open = _note->current();
+    const bool isGoing =
+        open && open->type == base::NoteType::note && _services.noteMoves().isGoing(open->filename);
+    _note->editor().setEditing(isGoing ? NoteEditor::Editing::never : NoteEditor::Editing::allowed);
 }
 
 void MainWindow::showCurrentPlace() {
@@ -194,27 +201,34 @@ void MainWindow::noteRenamed(const std::string& from, const std::string& to) {
     _places.renamed(from, to);
     if (_places.current() != before) {
         if (_note->current() && !to.empty()) {
-            _note->follow(addressOf(_places.current()));
+            // Under the new name, with what was typed meanwhile; a note that cannot be saved stays
+            // open as it is, and is saved there when it can be.
+            if (_note->saveNow()) {
+                _note->follow(addressOf(_places.current()));
+            }
         } else {
-            _note->leave();  // saved before its file went
+            _note->leave();  // saved before its file went, and not typed into since
         }
         showCurrentPlace();
     }
 }
 
 void MainWindow::newNote(const std::string& folder, const std::string& title) {
-    const auto made =
-        app::newNote(_services, {title.empty() ? base::tr("New note") : title, folder, {}});
-    if (!made) {
-        tell(qt(made.failure().description), true);
+    const Title kind = title.empty() ? Title::asked : Title::given;
+    _organiser.newNote({title.empty() ? base::tr("New note") : title, folder, {}},
+                       [this, kind](const app::OrganisedNotes& made) { showNewNote(made, kind); });
+}
+
+void MainWindow::showNewNote(const app::OrganisedNotes& made, Title title) {
+    if (made.isFailure) {
+        tell(qt(made.text), true);
         return;
     }
-    _services.noteCache().reread(base::NoteType::note, made->note.filename);
-    go(Place::ofNote(made->note.filename));
+    go(Place::ofNote(made.to));
     NoteEditor& editor = _note->editor();
     QTextCursor cursor = editor.textCursor();
-    cursor.movePosition(title.empty() ? QTextCursor::Start : QTextCursor::End);
-    if (title.empty()) {  // the title is the first thing to be typed
+    cursor.movePosition(title == Title::asked ? QTextCursor::Start : QTextCursor::End);
+    if (title == Title::asked) {  // it is the first thing to be typed
         cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::MoveAnchor, 2);
         cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
     }

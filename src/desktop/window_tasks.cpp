@@ -110,14 +110,25 @@ void WindowTasks::change(app::TaskStep step, const Tasks& tasks) {
     }
 }
 
-/// Each task from the day that it is planned for; one without a day from today.
+/// Each task from the day that it is planned for; one without a day from today. One operation.
 void WindowTasks::shift(const Tasks& tasks, int days) {
+    if (tasks.empty() || !isReady()) {
+        return;
+    }
     std::map<base::Day, Tasks> byDay;
     for (const tasks::TaskReference& task : tasks) {
         byDay[base::addDays(plannedDay(task).value_or(_services.today()), days)].push_back(task);
     }
+    std::vector<tasks::TaskOperations::DayOfTasks> moves;
     for (const auto& [day, moved] : byDay) {
-        schedule(moved, day);
+        moves.push_back({day, moved});
+    }
+    _gestures.schedule(std::move(moves), teller());
+}
+
+void WindowTasks::archive(const tasks::NoteName& note) {
+    if (isReady()) {
+        _gestures.archive(note, teller());
     }
 }
 

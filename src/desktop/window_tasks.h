@@ -35,6 +35,8 @@ public:
     void tick(const tasks::TaskReference& task, app::TaskStep step);
     void schedule(const Tasks& tasks, base::Day day);
     void askDay(const Tasks& tasks, const QRect& anchor);
+    /// Moves what is done in a note to its archive.
+    void archive(const tasks::NoteName& note);
     void undoLast();
 
 Q_SIGNALS:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QLineEdit>
 #include <QListView>
@@ -55,6 +56,8 @@ struct BarWindow {
 TEST_CASE("the palette lists what can be done, does it, and gives the focus back") {
     tests::Planner planner;
     BarWindow w{planner.services()};
+    const QAbstractItemModelTester tester{w.bar.findChild<QListView*>()->model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal};
     w.bar.showCommands();
     CHECK(w.input().hasFocus());
     // Without a note there is nothing to make bold, and no task to complete.
@@ -96,6 +99,8 @@ TEST_CASE("quick open opens a note, or makes one") {
     planner.services().noteCache().load();
     planner.services().noteCache().waitUntilIdle();
     BarWindow w{planner.services()};
+    const QAbstractItemModelTester tester{w.bar.findChild<QListView*>()->model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal};
     std::vector<app::Place> opened;
     QStringList made;
     QObject::connect(&w.bar, &desktop::CommandBar::opened, &w.bar,

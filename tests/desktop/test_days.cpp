@@ -12,6 +12,7 @@
 #include <doctest/doctest.h>
 
 #include "desktop/day_pane_view.h"
+#include "desktop/month_model.h"
 #include "desktop/qt_text.h"
 #include "desktop/schedule_popover.h"
 #include "desktop/small_calendar.h"
@@ -74,27 +75,28 @@ app::WeekAgenda week() {
 
 const grammar::DateStringHelper english{base::LocaleFormats{"en_GB"}};
 
-/// What a view tells, a line each, in the order it was told.
-template <class View>
+/// What the rows tell, a line each, in the order it was told.
 class Told {
 public:
-    explicit Told(View& view) {
-        QObject::connect(&view, &View::ticked, [this](const auto& task, app::TaskStep step) {
-            const char* const names[] = {"complete", "cancel", "reopen"};
-            add(std::string(names[static_cast<int>(step)]) + " " + nameOf(task));
-        });
-        QObject::connect(&view, &View::scheduleAsked,
+    explicit Told(const TaskRowsView& view) {
+        QObject::connect(&view, &TaskRowsView::ticked,
+                         [this](const auto& task, app::TaskStep step) {
+                             const char* const names[] = {"complete", "cancel", "reopen"};
+                             add(std::string(names[static_cast<int>(step)]) + " " + nameOf(task));
+                         });
+        QObject::connect(&view, &TaskRowsView::scheduleAsked,
                          [this](const auto& tasks, QRect) { add("ask " + nameOf(tasks.front())); });
-        QObject::connect(&view, &View::scheduled, [this](const auto& tasks, base::Day day) {
+        QObject::connect(&view, &TaskRowsView::scheduled, [this](const auto& tasks, base::Day day) {
             add(base::tagText(day) + " " + nameOf(tasks.front()));
         });
-        QObject::connect(&view, &View::jumped, [this](const app::Place& place, std::size_t line) {
-            add("jump " + (place.filename.empty() ? base::tagText(place.day) : place.filename) +
-                ":" + std::to_string(line));
-        });
-        QObject::connect(&view, &View::dayChosen,
+        QObject::connect(
+            &view, &TaskRowsView::jumped, [this](const app::Place& place, std::size_t line) {
+                add("jump " + (place.filename.empty() ? base::tagText(place.day) : place.filename) +
+                    ":" + std::to_string(line));
+            });
+        QObject::connect(&view, &TaskRowsView::dayChosen,
                          [this](base::Day day) { add("day " + base::tagText(day)); });
-        QObject::connect(&view, &View::undoAsked, [this] { add("undo"); });
+        QObject::connect(&view, &TaskRowsView::undoAsked, [this] { add("undo"); });
     }
     std::string take() { return std::exchange(_lines, {}); }
 
@@ -132,7 +134,8 @@ TEST_CASE("rows of a day say state, text and day, and fold what is overdue") {
     DayPaneView view{english};
     view.resize(292, 600);
     view.show(today(), tuesday);
-    const QAbstractItemModelTester tester{listIn(view).model()};
+    const QAbstractItemModelTester tester{listIn(view).model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal};
     const std::string tasks =
         "open task, Call Bob, today\ndone task, Send slides, today\n"
         "open task, Check figures, today, Budget 2019\n";
@@ -153,7 +156,7 @@ TEST_CASE("keys act on the current task and nothing else") {
     DayPaneView view{english};
     view.resize(292, 600);
     view.show(today(), tuesday);
-    Told told{view};
+    Told told{view.rows()};
     const std::string bob = "20190305.txt:2 * Call Bob >2019-03-05\n";
     const KeyRow rows[] = {
         {"d", "complete " + bob},
@@ -191,7 +194,7 @@ TEST_CASE("box, buttons and text of a row each do their own, mirrored too") {
         view.show(today(), tuesday);
         static_cast<QWidget&>(view).show();
         QListView& list = listIn(view);
-        Told told{view};
+        Told told{view.rows()};
         const QRect row = list.visualRect(list.model()->index(3, 0));
         const auto click = [&](int fromStart) {
             const int x =
@@ -227,11 +230,39 @@ TEST_CASE("the current row survives new rows, and stays near when its task has g
     CHECK(currentText(view) == "Call Bob");
 }
 
+TEST_CASE("the rows of tasks follow whatever a view shows") {
+    TaskRowsModel model;
+    const QAbstractItemModelTester tester{&model,
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal};
+    QListView view;
+    view.setModel(&model);
+    app::DayPane empty;
+    empty.day = tuesday;
+    app::DayPane changed = today();
+    changed.tasks.front().todo.type = grammar::TodoType::done;
+    const TaskRowContext folded{tuesday, OverdueFold::folded, english};
+    const TaskRowContext open{tuesday, OverdueFold::open, english};
+    const std::vector<TaskRow> shown[] = {rowsOf(today(), folded), rowsOf(today(), open),
+                                          rowsOf(changed, open),   rowsOf(empty, folded),
+                                          rowsOf(week(), open),    {},
+                                          rowsOf(week(), folded),  rowsOf(today(), folded)};
+    for (const std::vector<TaskRow>& rows : shown) {
+        model.setRows(rows);
+        CHECK(model.rowCount() == static_cast<int>(rows.size()));
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const TaskRow& expected = rows[static_cast<std::size_t>(row)];
+            CHECK(model.find(expected) == row);
+            CHECK(model.index(row).data() == expected.text);
+        }
+        view.setCurrentIndex(model.index(model.rowCount() - 1));
+    }
+}
+
 TEST_CASE("keys lead through the week's days, past what cannot be acted on") {
     WeekAgendaView view{english};
     view.resize(900, 700);
     view.show(week(), tuesday);
-    Told told{view};
+    Told told{view.rows()};
     listIn(view).setCurrentIndex(listIn(view).model()->index(1, 0));
     std::string way;
     for (int i = 0; i < 7; ++i) {
@@ -245,6 +276,27 @@ TEST_CASE("keys lead through the week's days, past what cannot be acted on") {
     QTest::keyClick(&listIn(view), Qt::Key_Return);
     QTest::keyClicks(&listIn(view), QStringLiteral("j>"));
     CHECK(told.take() == "day 2019-03-07\n2019-03-08 20190307.txt:0 * Dentist\n");
+}
+
+TEST_CASE("a month's weeks hold each of its days once, whatever the week begins with") {
+    for (const auto first : {base::DayOfWeek::monday, base::DayOfWeek::sunday}) {
+        MonthModel month{first, base::LocaleFormats{"en_GB"}, nullptr};
+        const QAbstractItemModelTester tester{
+            &month, QAbstractItemModelTester::FailureReportingMode::Fatal};
+        QTableView view;
+        view.setModel(&month);
+        month.setToday(tuesday);
+        for (const char* text : {"2019-03-01", "2019-02-01", "2020-02-01", "2019-09-01"}) {
+            CAPTURE(text);
+            const base::Day start = dayOf(text);
+            const std::chrono::year_month shown{start.year(), start.month()};
+            month.setMonth(shown);
+            for (base::Day day = start; day.month() == start.month(); day = base::addDays(day, 1)) {
+                CHECK(month.dayAt(month.indexOf(day)) == day);
+            }
+            view.setCurrentIndex(month.indexOf(start));
+        }
+    }
 }
 
 TEST_CASE("the calendar goes by days, weeks and months, over their edges") {
