@@ -5,8 +5,6 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <algorithm>
-#include <array>
-#include <initializer_list>
 #include <vector>
 
 #include "base/localisation.h"
@@ -26,7 +24,7 @@ struct MenuRow {
     const char* text;  ///< English
     const char* keys;
     Gap gap;
-    std::initializer_list<Type> types;
+    std::vector<Type> types;
 };
 
 const std::vector<MenuRow>& menuRows() {

@@ -169,7 +169,7 @@ void fadeInto(QPainter& painter, const QRect& place, Qt::LayoutDirection directi
 
 void paintTitle(QPainter& painter, const QStyleOptionViewItem& option, const TaskRow& row) {
     constexpr int usualTitle = 26;
-    constexpr int smallestTitle = 17;
+    constexpr int smallestTitle = 14;
     const QRect place = headingRect(option, 36);
     QFont font = Theme::instance().uiFont(usualTitle, QFont::Bold);
     font.setLetterSpacing(QFont::AbsoluteSpacing, -0.4);

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Notes and folders in the sidebar as a user drags and names them.
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
 #include <QDropEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
@@ -102,6 +104,39 @@ TEST_CASE("what is dragged onto a folder is moved there, and that is taken back"
         }
         user.end();
         CHECK(user.home().everything("planner") == before);
+    }
+}
+
+TEST_CASE(
+    "a menu is about the row below it, beside the rows about all notes, and leaves no trace") {
+    WindowFixture user{notes};
+    user.start();
+    user.openNote("Plans.txt");
+    auto& tree = user.view<SideBarTree>();
+    const QString current = tree.currentIndex().data().toString();
+    const struct {
+        const char* row;  // empty: below the last one
+        const char* action;
+    } rows[] = {
+        {"Work", "Show in List"}, {"Notes", "New Folder…"}, {"", "New Folder…"}, {"Today", "Open"}};
+    for (const auto& row : rows) {
+        CAPTURE(std::string(row.row));
+        const bool isBeside = *row.row == '\0';
+        const QPoint place = isBeside ? QPoint(20, tree.viewport()->height() - 3)
+                                      : tree.visualRect(rowOf(tree, row.row)).center();
+        REQUIRE(tree.indexAt(place).isValid() != isBeside);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place,
+                                tree.viewport()->mapToGlobal(place));
+        QApplication::sendEvent(tree.viewport(), &event);
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        REQUIRE(menu != nullptr);
+        QStringList actions;
+        for (const QAction* action : menu->actions()) {
+            actions.append(action->text());
+        }
+        CHECK(actions.contains(desktop::qt(row.action)));
+        QTest::keyClick(menu, Qt::Key_Escape);
+        CHECK(until([&] { return tree.currentIndex().data().toString() == current; }));
     }
 }
 
