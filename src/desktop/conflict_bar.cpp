@@ -62,7 +62,7 @@ ConflictBarView::ConflictBarView(QWidget* parent)
 void ConflictBarView::show(const sync::ConflictBar& bar, Version version) {
     _showOther->setText(qt(bar.showOtherVersionTitle));
     _date->setText(qt(bar.modificationDate));
-    _device->setText(qt(bar.deviceName));
+    _device->setText(bar.deviceName.empty() ? trText("an unknown device") : qt(bar.deviceName));
     _differences->setEnabled(version == Version::other);
     if (version == Version::current) {
         setShowsDifferences(false);

@@ -169,6 +169,7 @@ void showToast(Stage& stage) {
     stage.take(QStringLiteral("toast"));
     stage.window().perform(CommandId::undoTask);
     stage.settle(700);
+    toast.hide();
 }
 
 void showConflict(Stage& stage) {
