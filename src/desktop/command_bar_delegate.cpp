@@ -41,7 +41,7 @@ public:
         const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideRight, end - start);
         // The names of keys are read from the left everywhere.
         _painter.setLayoutDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-        _painter.drawText(place(start, end), edge() | Qt::AlignVCenter, shown);
+        _painter.drawText(place(start, end), static_cast<int>(edge() | Qt::AlignVCenter), shown);
     }
 
     /// With what answers in the accent's colour; the width that it took.

@@ -107,7 +107,6 @@ struct SideBarPane::Parts {
                 Q_EMIT self.placeChosen(app::Place::ofNote(std::string(item->text)));
                 break;
             case Type::trash: Q_EMIT self.trashChosen(); break;
-            case Type::preferences: Q_EMIT self.preferencesChosen(); break;
             case Type::help:
                 item->parent == nullptr ? Q_EMIT self.helpChosen()
                                         : Q_EMIT self.markdownHelpChosen();

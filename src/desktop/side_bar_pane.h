@@ -46,7 +46,6 @@ Q_SIGNALS:
     void placeChosen(const app::Place& place);
     void listChosen(const app::ListRequest& list);
     void trashChosen();
-    void preferencesChosen();
     void helpChosen();
     void markdownHelpChosen();
     void newNoteAsked(const QString& folder);

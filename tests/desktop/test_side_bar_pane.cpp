@@ -100,7 +100,8 @@ TEST_CASE("what is dragged onto a folder is moved there, and that is taken back"
         const QString name = desktop::qt(row.dragged);
         CHECK(until([&] { return rowOf(tree, row.dragged).data().toString() == name; }));
         for (const auto& [from, to] : row.moved) {
-            CHECK(until([&] { return user.textOf("Notes/" + from) != "-"; }));
+            const std::string file = "Notes/" + from;
+            CHECK(until([&] { return user.textOf(file) != "-"; }));
         }
         user.end();
         CHECK(user.home().everything("planner") == before);
