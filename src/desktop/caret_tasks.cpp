@@ -68,6 +68,18 @@ bool CaretTasks::perform(CommandId command) {
     }
 }
 
+void CaretTasks::toggle(int line) {
+    const tasks::RewriteSettings settings = _services.rewriteSettings();
+    const base::LocalTime now = _services.ports().clock.local(_services.ports().clock.now());
+    _editor.rewriteLines({line, line}, [&](const std::string& before) {
+        const TodoType type = grammar::classifyLine(before, settings.markers).type;
+        const bool isOver = type == TodoType::done || type == TodoType::cancelled;
+        return !tasks::isActionable(before) ? before
+               : isOver ? steppedLine(CommandId::reopenTask, before, now, settings)
+                        : steppedLine(CommandId::completeTask, before, now, settings);
+    });
+}
+
 void CaretTasks::change(CommandId command) {
     const tasks::RewriteSettings settings = _services.rewriteSettings();
     const base::LocalTime now = _services.ports().clock.local(_services.ports().clock.now());

@@ -33,6 +33,8 @@ public:
 
     /// False: the command is not for tasks.
     bool perform(app::CommandId command);
+    /// The box of the task in a line was clicked: done and cancelled become open, all else done.
+    void toggle(int line);
 
 Q_SIGNALS:
     void taskGesture(app::CommandId command, const std::vector<tasks::TaskReference>& tasks);

@@ -64,14 +64,13 @@ bool NoteEditor::mark(editor::MarkAction action) {
     return made->has_value();
 }
 
-int NoteEditor::rewriteLines(const LineRewrite& rewrite) {
+int NoteEditor::rewriteLines(Lines lines, const LineRewrite& rewrite) {
     if (!canEdit()) {
         return 0;
     }
     DocumentChanges changes;
     int count = 0;
-    const auto [first, last] = selectedLines();
-    for (int line = first; line <= last; ++line) {
+    for (int line = lines.first; line <= lines.last; ++line) {
         const std::string before = lineText(line);
         const int start = document()->findBlockByNumber(line).position();
         DocumentChanges ofLine = changesBetween(before, rewrite(before));

@@ -27,14 +27,17 @@ public:
     using LineRewrite = std::function<std::string(const std::string& line)>;
     /// Rewrites every line that the selection touches, as one undo step; how many are others then,
     /// or would be, if that were not refused.
-    int rewriteLines(const LineRewrite& rewrite);
+    int rewriteLines(const LineRewrite& rewrite) { return rewriteLines(selectedLines(), rewrite); }
 
-    /// The lines that the selection touches, from 0.
+    /// Lines of the text, from 0, which it has.
     struct Lines {
         int first = 0;
         int last = 0;
     };
+    /// Those that the selection touches.
     Lines selectedLines() const;
+    /// As `rewriteLines` of the selection.
+    int rewriteLines(Lines lines, const LineRewrite& rewrite);
     std::string lineText(int line) const;
 
 Q_SIGNALS:

@@ -107,6 +107,7 @@ void NotePane::build() {
 void NotePane::connectParts() {
     connect(_editor, &NoteEditor::edited, this, &NotePane::onEdited);
     connect(_editor, &NoteEditor::notice, this, &NotePane::notice);
+    connect(_editor, &NoteEditor::boxClicked, _tasks, &CaretTasks::toggle);
     connect(_editor, &NoteEditor::escaped, _findBar, &FindBar::close);
     connect(_versions, &NoteVersions::shownChanged, this, &NotePane::showOpenPage);
     connect(_versions, &NoteVersions::notice, this, &NotePane::notice);
@@ -320,7 +321,7 @@ void NotePane::restyle() {
     const Theme& theme = Theme::instance();
     const NoteEditor::Look look{
         theme.editorFont(globals.fontFamily(), globals.fontSize() + globals.fontDelta()),
-        static_cast<int>(globals.maxTextWidth())};
+        static_cast<int>(globals.maxTextWidth()), _services.markerSettings()};
     for (NoteEditor* editor : {_editor, _versions->textView()}) {
         editor->setLook(look);
         editor->setMarkSettings({_services.markerSettings(), globals.defaultTodoCharacter()});

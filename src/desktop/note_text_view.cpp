@@ -7,10 +7,11 @@
 #include <QTextBlock>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "desktop/document_edits.h"
-#include "desktop/spaced_text_layout.h"
+#include "desktop/note_layout.h"
 #include "desktop/theme.h"
 
 namespace tessaly::desktop {
@@ -21,21 +22,35 @@ constexpr int topMargin = 24;
 constexpr int sideMargin = 56;
 constexpr int narrowSideMargin = 24;
 constexpr int narrowWidth = 480;
+constexpr int caretWidth = 2;
+
+NoteLayout* makeLayout(QTextEdit& edit) {
+    auto* text = new QTextDocument(&edit);
+    auto* layout = new NoteLayout(text);
+    text->setDocumentLayout(layout);
+    text->setDocumentMargin(topMargin);
+    edit.setDocument(text);
+    return layout;
+}
 
 }  // namespace
 
-NoteTextView::NoteTextView(QWidget* parent) : QPlainTextEdit(parent) {
+NoteTextView::NoteTextView(QWidget* parent) : QTextEdit(parent), _layout(makeLayout(*this)) {
     setFrameShape(QFrame::NoFrame);
     setCursor(Qt::IBeamCursor);
+    setAcceptRichText(false);
+    setCursorWidth(caretWidth);
     verticalScrollBar()->setCursor(Qt::ArrowCursor);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* text = new QTextDocument(this);
-    text->setDocumentLayout(new SpacedTextLayout(text));
-    text->setDocumentMargin(topMargin);
-    setDocument(text);
+    viewport()->setMouseTracking(true);
     // Painted with the text: what the view keeps as its own ground does not follow the theme.
     viewport()->setAutoFillBackground(false);
     connect(&Theme::instance(), &Theme::changed, this, &NoteTextView::paintTheme);
+    connect(this, &QTextEdit::cursorPositionChanged, this, &NoteTextView::showMarkup);
+    // What is selected is painted higher than its letters, of which alone the base knows.
+    connect(this, &QTextEdit::selectionChanged, viewport(), qOverload<>(&QWidget::update));
+    // The base scrolls to the caret in the same turn.
+    connect(document(), &QTextDocument::contentsChanged, _layout, &NoteLayout::tellSize);
     paintTheme();
 }
 
@@ -43,7 +58,13 @@ void NoteTextView::setLook(const Look& look) {
     _textWidth = look.textWidth;
     setFont(look.font);
     setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
+    _layout->setMarkers(look.markers);
     layOutColumn();
+}
+
+void NoteTextView::setPlaceholderText(const QString& text) {
+    _placeholder = text;
+    viewport()->update();
 }
 
 void NoteTextView::goToLine(int line, int column) {
@@ -52,7 +73,9 @@ void NoteTextView::goToLine(int line, int column) {
     QTextCursor caret(block);
     caret.setPosition(block.position() + std::min(column, block.length() - 1));
     setTextCursor(caret);
-    centerCursor();
+    _layout->tellSize();
+    QScrollBar& bar = *verticalScrollBar();
+    bar.setValue(bar.value() + cursorRect().center().y() - viewport()->height() / 2);
 }
 
 QRect NoteTextView::caretPlace() const {
@@ -70,8 +93,11 @@ void NoteTextView::setMatches(std::vector<base::TextRange> matches,
 /// Only those in sight: each costs with every line that is painted.
 void NoteTextView::showMatches() {
     QList<QTextEdit::ExtraSelection> shown;
-    const auto start = static_cast<std::size_t>(firstVisibleBlock().position());
-    const QTextBlock last = cursorForPosition(viewport()->rect().bottomRight()).block();
+    const int top = verticalScrollBar()->value();
+    const QTextBlock first = document()->findBlockByNumber(_layout->blockAt(top));
+    const QTextBlock last =
+        document()->findBlockByNumber(_layout->blockAt(top + viewport()->height()));
+    const auto start = static_cast<std::size_t>(first.position());
     const auto end = static_cast<std::size_t>(last.position() + last.length());
     const Colors& colors = Theme::instance().colors();
     auto match = std::find_if(_matches.begin(), _matches.end(),
@@ -85,6 +111,26 @@ void NoteTextView::showMatches() {
     }
     if (!shown.empty() || !extraSelections().empty()) {
         setExtraSelections(shown);
+        viewport()->update();
+    }
+}
+
+/// The markup of the caret's line, while the user writes here.
+void NoteTextView::showMarkup() {
+    const bool isShown = hasFocus() && !isReadOnly();
+    _layout->setShownMarkup(isShown ? textCursor().blockNumber() : -1);
+}
+
+void NoteTextView::focusInEvent(QFocusEvent* event) {
+    QTextEdit::focusInEvent(event);
+    showMarkup();
+}
+
+void NoteTextView::focusOutEvent(QFocusEvent* event) {
+    QTextEdit::focusOutEvent(event);
+    // A menu takes the keys for a moment.
+    if (event->reason() != Qt::PopupFocusReason) {
+        showMarkup();
     }
 }
 
@@ -92,7 +138,7 @@ bool NoteTextView::event(QEvent* event) {
     if (forwardMarginEvent(*event)) {
         return true;
     }
-    const bool isDone = QPlainTextEdit::event(event);
+    const bool isDone = QTextEdit::event(event);
     if (event->type() == QEvent::Resize) {
         layOutColumn();
     }
@@ -118,87 +164,113 @@ bool NoteTextView::forwardMarginEvent(QEvent& event) {
     }
 }
 
-/// A place between two lines belongs to the upper one, as if its letters were so high.
-QPointF NoteTextView::inLine(QPointF place) const {
-    const auto& spaced = static_cast<const SpacedTextLayout&>(*document()->documentLayout());
-    const QTextBlock block = cursorForPosition(place.toPoint()).block();
-    const qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
-    for (int i = 0; i < block.layout()->lineCount(); ++i) {
-        const QTextLine line = block.layout()->lineAt(i);
-        const qreal bottom = top + line.y() + line.height();
-        if (place.y() >= bottom && place.y() < top + line.y() + spaced.pitchOf(line)) {
-            place.setY(bottom - 1);
-        }
-    }
-    return place;
+int NoteTextView::boxAt(const QMouseEvent& event) const {
+    return _layout->boxAt(event.position() + QPointF(0, verticalScrollBar()->value()));
 }
 
-bool NoteTextView::viewportEvent(QEvent* event) {
-    switch (event->type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove: {
-            const auto& mouse = static_cast<const QMouseEvent&>(*event);
-            QMouseEvent moved(mouse.type(), inLine(mouse.position()), mouse.globalPosition(),
-                              mouse.button(), mouse.buttons(), mouse.modifiers(),
-                              mouse.pointingDevice());
-            const bool isDone = QPlainTextEdit::viewportEvent(&moved);
-            event->setAccepted(moved.isAccepted());
-            return isDone;
-        }
-        default: return QPlainTextEdit::viewportEvent(event);
+bool NoteTextView::pressBox(const QMouseEvent& event) {
+    _pressedBox = event.button() == Qt::LeftButton ? boxAt(event) : -1;
+    return _pressedBox >= 0;
+}
+
+void NoteTextView::mousePressEvent(QMouseEvent* event) {
+    if (!pressBox(*event)) {
+        QTextEdit::mousePressEvent(event);
+    }
+}
+
+void NoteTextView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (!pressBox(*event)) {
+        QTextEdit::mouseDoubleClickEvent(event);
+    }
+}
+
+void NoteTextView::mouseMoveEvent(QMouseEvent* event) {
+    if (_pressedBox >= 0) {
+        return;
+    }
+    const int box = event->buttons() == Qt::NoButton && !isReadOnly() ? boxAt(*event) : -1;
+    _layout->setHoveredBox(box);
+    viewport()->setCursor(box >= 0 ? Qt::PointingHandCursor : Qt::IBeamCursor);
+    QTextEdit::mouseMoveEvent(event);
+}
+
+void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
+    const int pressed = std::exchange(_pressedBox, -1);
+    if (pressed < 0) {
+        QTextEdit::mouseReleaseEvent(event);
+    } else if (boxAt(*event) == pressed) {
+        Q_EMIT boxClicked(pressed);
     }
 }
 
 void NoteTextView::paintEvent(QPaintEvent* event) {
-    QPainter painter(viewport());
-    const Colors& colors = Theme::instance().colors();
-    painter.fillRect(event->rect(), colors.window);
-    if (textCursor().hasSelection()) {
-        for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
-            const QRectF place = blockBoundingGeometry(block).translated(contentOffset());
-            if (place.top() > viewport()->height()) {
-                break;
-            }
-            paintSelectedGaps(painter, block, place);
-        }
+    QPainter(viewport()).fillRect(event->rect(), Theme::instance().colors().window);
+    const int top = verticalScrollBar()->value();
+    // What it moves may lie outside of what is painted now.
+    if (_layout->measure(top, top + viewport()->height())) {
+        viewport()->update();
     }
-    painter.end();
-    QPlainTextEdit::paintEvent(event);
+    QTextEdit::paintEvent(event);
+    if (!_placeholder.isEmpty() && document()->isEmpty() &&
+        document()->firstBlock().layout()->preeditAreaText().isEmpty()) {
+        paintPlaceholder(event->rect());
+    }
 }
 
-/// The text itself is painted as high as its letters: what is selected would have stripes.
-void NoteTextView::paintSelectedGaps(QPainter& painter, const QTextBlock& block,
-                                     const QRectF& place) const {
-    const auto& spaced = static_cast<const SpacedTextLayout&>(*document()->documentLayout());
-    const int start = textCursor().selectionStart() - block.position();
-    const int end = textCursor().selectionEnd() - block.position();
-    for (int i = 0; i < block.layout()->lineCount(); ++i) {
-        const QTextLine line = block.layout()->lineAt(i);
-        const int from = std::max(start, line.textStart());
-        const int to = std::min(end, line.textStart() + line.textLength());
-        if (from < to) {
-            const qreal gap = spaced.pitchOf(line) - line.height();
-            const qreal left = std::min(line.cursorToX(from), line.cursorToX(to));
-            const qreal right = std::max(line.cursorToX(from), line.cursorToX(to));
-            painter.fillRect(QRectF(place.left() + left, place.top() + line.y() - gap / 2,
-                                    right - left, line.height() + gap),
-                             Theme::instance().colors().selection);
-        }
-    }
+void NoteTextView::paintPlaceholder(const QRect& clip) {
+    const QRectF line = _layout->blockBoundingRect(document()->firstBlock());
+    QPainter painter(viewport());
+    painter.setClipRect(clip);
+    painter.setPen(Theme::instance().colors().text2);
+    const QRectF place(line.left(), line.top() + 3, line.width(), viewport()->height());
+    painter.drawText(place, static_cast<int>(Qt::AlignTop) | Qt::TextWordWrap, _placeholder);
+}
+
+void NoteTextView::resizeEvent(QResizeEvent* event) {
+    keepSight([&] { QTextEdit::resizeEvent(event); });
+    measureSight();
 }
 
 void NoteTextView::scrollContentsBy(int dx, int dy) {
-    QPlainTextEdit::scrollContentsBy(dx, dy);
+    QTextEdit::scrollContentsBy(dx, dy);
+    measureSight();
     if (!_matches.empty()) {
         showMatches();
     }
 }
 
+/// Blocks that come into sight turn out to be higher or lower than was guessed, which must not move
+/// those that are seen already.
+void NoteTextView::measureSight() {
+    keepSight([this] {
+        const int top = verticalScrollBar()->value();
+        _layout->measure(top, top + viewport()->height());
+    });
+}
+
+void NoteTextView::keepSight(const std::function<void()>& change) {
+    const int top = verticalScrollBar()->value();
+    const int last = _layout->blockAt(top + viewport()->height());
+    int block = _layout->blockAt(top);
+    for (int next = block; next <= last; ++next) {
+        if (_layout->isMeasured(next)) {
+            block = next;
+            break;
+        }
+    }
+    const QTextCursor kept(document()->findBlockByNumber(std::max(block, 0)));
+    const qreal before = _layout->blockBoundingRect(kept.block()).top();
+    change();
+    _layout->tellSize();
+    const qreal moved = _layout->blockBoundingRect(kept.block()).top() - before;
+    verticalScrollBar()->setValue(top + static_cast<int>(std::lround(moved)));
+}
+
 void NoteTextView::layOutColumn() {
     const int least = width() < narrowWidth ? narrowSideMargin : sideMargin;
-    const int side = std::max(least, (width() - _textWidth) / 2) - topMargin;
+    const int side = std::max(0, (width() - _textWidth) / 2 - least);
+    _layout->setSideRoom(least);
     setViewportMargins(side, 0, side, 0);
 }
 
@@ -212,6 +284,7 @@ void NoteTextView::paintTheme() {
     painted.setColor(QPalette::Highlight, colors.selection);
     painted.setColor(QPalette::HighlightedText, colors.text);
     setPalette(painted);
+    _layout->restyle();
     showMatches();
 }
 

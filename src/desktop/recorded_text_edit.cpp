@@ -3,7 +3,6 @@
 
 #include <QGuiApplication>
 #include <QInputMethod>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <algorithm>
 
@@ -51,10 +50,7 @@ void RecordedTextEdit::replaceText(const std::string& shown) {
     if (changes.empty()) {
         return;
     }
-    const QTextCursor top(firstVisibleBlock());
-    const int topLine = verticalScrollBar()->value() - firstVisibleBlock().firstLineNumber();
-    moveCaretAlong(changes, [&] { _history->makeOthers(changes); });
-    verticalScrollBar()->setValue(top.block().firstLineNumber() + topLine);
+    keepSight([&] { moveCaretAlong(changes, [&] { _history->makeOthers(changes); }); });
 }
 
 void RecordedTextEdit::moveCaretAlong(const DocumentChanges& changes,

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/block_lines.h"
+
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
+#include <QTextOption>
+#include <algorithm>
+#include <cmath>
+
+#include "desktop/block_style.h"
+#include "desktop/line_formats.h"
+
+namespace tessaly::desktop {
+
+namespace {
+
+/// Words that an input method has not finished stand in the layout, and not in the text.
+QList<QTextLayout::FormatRange> aroundPreedit(QList<QTextLayout::FormatRange> formats,
+                                              const QTextLayout& text) {
+    const auto length = static_cast<int>(text.preeditAreaText().size());
+    if (length == 0) {
+        return formats;
+    }
+    const int place = text.preeditAreaPosition();
+    for (QTextLayout::FormatRange& range : formats) {
+        const bool isBehind = range.start >= place;
+        range.start += isBehind ? length : 0;
+        range.length += !isBehind && range.start + range.length > place ? length : 0;
+    }
+    QTextCharFormat underlined;
+    underlined.setFontUnderline(true);
+    formats.push_back({place, length, underlined});
+    return formats;
+}
+
+void styleText(const QTextBlock& block, const BlockLook& look) {
+    QTextLayout& text = *block.layout();
+    const QTextDocument& document = *block.document();
+    QTextOption option = document.defaultTextOption();
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setTextDirection(block.textDirection());
+    text.setTextOption(option);
+    text.setFormats(aroundPreedit(
+        formatsOf(look.line, block.text(), look.markup, document.defaultFont()), text));
+}
+
+/// From the side that reading begins at; the line is as wide as there is room then.
+qreal indentLine(QTextLine& line, const BlockShape& shape, const TextColumn& column) {
+    const qreal end = column.sideRoom + column.width;
+    qreal indent = column.sideRoom + shape.indent;
+    line.setLineWidth(end - indent);
+    if (line.textStart() == 0 && shape.prefix > 0) {
+        const int words = std::min(shape.prefix, line.textLength());
+        const qreal prefix = std::abs(line.cursorToX(words) - line.cursorToX(0));
+        // The toolkit takes no place before 0 for one of a character.
+        indent = std::max(indent - prefix, 0.0);
+        line.setLineWidth(end - indent);
+    }
+    return indent;
+}
+
+}  // namespace
+
+qreal layOutBlock(const QTextBlock& block, const BlockLook& look, const TextColumn& column) {
+    styleText(block, look);
+    QTextLayout& text = *block.layout();
+    const bool isMirrored = block.textDirection() == Qt::RightToLeft;
+    const qreal whole = column.width + 2 * column.sideRoom;
+    qreal bottom = look.shape.above;
+    text.beginLayout();
+    for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
+        const qreal indent = indentLine(line, look.shape, column);
+        const qreal pitch = std::max(look.shape.pitch, std::ceil(line.height()));
+        const qreal x = isMirrored ? whole - indent - line.horizontalAdvance() : indent;
+        line.setPosition({x, bottom + std::floor((pitch - line.height()) / 2)});
+        bottom += pitch;
+    }
+    text.endLayout();
+    return bottom + look.shape.below;
+}
+
+}  // namespace tessaly::desktop

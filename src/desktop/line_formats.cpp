@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/line_formats.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "desktop/theme.h"
+
+namespace tessaly::desktop {
+
+namespace {
+
+using app::SpanKind;
+using grammar::TodoType;
+using LineKind = app::LineLook::Kind;
+
+constexpr qreal roomBesideGround = 4;
+
+int codeSize(const QFont& font) {
+    return std::max(1, static_cast<int>(std::lround(13 * scaleOf(font))));
+}
+
+/// Formats of one line, in the order in which they lie above each other.
+class LineFormats {
+public:
+    LineFormats(const app::LineLook& line, const QString& text, Markup markup, const QFont& font)
+        : _line(line),
+          _text(text),
+          _markup(markup),
+          _font(font),
+          _colors(Theme::instance().colors()) {}
+
+    QList<QTextLayout::FormatRange> make() {
+        addLine();
+        findMarkup();
+        for (const app::LookSpan& span : _line.spans) {
+            addSpan(span);
+        }
+        addMarker();
+        // Nothing that lies above it may make it be seen again.
+        for (const app::LookSpan& span : _line.spans) {
+            if (span.kind == SpanKind::markup || span.kind == SpanKind::address) {
+                add(span.range, markupFormat());
+            }
+        }
+        return std::move(_formats);
+    }
+
+private:
+    void add(base::TextRange range, const QTextCharFormat& format) {
+        const auto size = static_cast<std::size_t>(_text.size());
+        const std::size_t start = std::min(range.location, size);
+        const std::size_t end = std::min(range.end(), size);
+        if (start < end && !format.properties().isEmpty()) {
+            _formats.push_back({static_cast<int>(start), static_cast<int>(end - start), format});
+        }
+    }
+
+    base::TextRange whole() const { return {0, static_cast<std::size_t>(_text.size())}; }
+
+    static QTextCharFormat colored(const QColor& color) {
+        QTextCharFormat format;
+        format.setForeground(color);
+        return format;
+    }
+
+    QTextCharFormat codeFormat() const {
+        const QFont code = Theme::instance().codeFont(codeSize(_font));
+        QTextCharFormat format;
+        format.setFontFamilies(code.families());
+        format.setProperty(QTextFormat::FontPixelSize, code.pixelSize());
+        return format;
+    }
+
+    QTextCharFormat markupFormat() const {
+        QTextCharFormat format =
+            colored(_markup == Markup::shown ? _colors.text2 : Qt::transparent);
+        if (_markup == Markup::quiet) {
+            // A size that rounds to 0 would have all fonts of the system be tried.
+            format.setProperty(QTextFormat::FontPixelSize, 1);
+            format.setFontLetterSpacingType(QFont::PercentageSpacing);
+            format.setFontLetterSpacing(0.05);
+        }
+        return format;
+    }
+
+    void addLine() {
+        QTextCharFormat format;
+        switch (_line.kind) {
+            case LineKind::heading: {
+                const HeadingStyle& style = headingStyle(_line.headingLevel);
+                format.setProperty(QTextFormat::FontPixelSize,
+                                   static_cast<int>(std::lround(style.size * scaleOf(_font))));
+                format.setFontWeight(style.weight);
+                format.setFontLetterSpacingType(QFont::AbsoluteSpacing);
+                format.setFontLetterSpacing(style.spacing);
+                break;
+            }
+            case LineKind::quote:
+                format.setFontItalic(true);
+                format.setForeground(_colors.text2);
+                break;
+            case LineKind::code:
+            case LineKind::table: format = codeFormat(); break;
+            case LineKind::fence:
+                format = codeFormat();
+                format.setForeground(_colors.text2);
+                break;
+            default: break;
+        }
+        if (isOver(_line)) {
+            format.setForeground(_colors.text2);
+            format.setFontStrikeOut(_line.state == TodoType::cancelled);
+        }
+        add(whole(), format);
+    }
+
+    void addMarker() {
+        if (_line.kind == LineKind::rule) {
+            add(whole(), markupFormat());
+        } else if (_line.kind == LineKind::numbered) {
+            add(_line.marker, colored(_colors.text2));
+        } else {
+            QTextCharFormat format = markupFormat();
+            format.setFontStrikeOut(false);
+            add(_line.marker, format);
+        }
+    }
+
+    void addSpan(const app::LookSpan& span) {
+        add(span.range, spanFormat(span.kind));
+        if (hasGround(_line, span.kind) && span.kind != SpanKind::marked) {
+            std::size_t before = span.range.location;
+            std::size_t behind = span.range.end();
+            while (before > 0 && isMarkup(before - 1)) {
+                --before;
+            }
+            while (isMarkup(behind)) {
+                ++behind;
+            }
+            addRoom(before - 1);
+            addRoom(behind);
+        }
+    }
+
+    bool isMarkup(std::size_t place) const {
+        return place < _markupPlaces.size() && _markupPlaces[place];
+    }
+
+    void findMarkup() {
+        _markupPlaces.resize(static_cast<std::size_t>(_text.size()));
+        for (const app::LookSpan& span : _line.spans) {
+            if (span.kind == SpanKind::markup) {
+                const std::size_t end = std::min(span.range.end(), _markupPlaces.size());
+                for (std::size_t place = span.range.location; place < end; ++place) {
+                    _markupPlaces[place] = true;
+                }
+            }
+        }
+    }
+
+    /// The ground is wider than the words, and must not touch those beside it.
+    void addRoom(std::size_t place) {
+        if (place < static_cast<std::size_t>(_text.size()) &&
+            _text[static_cast<qsizetype>(place)] == u' ') {
+            QTextCharFormat format;
+            format.setFontLetterSpacingType(QFont::AbsoluteSpacing);
+            format.setFontLetterSpacing(roomBesideGround);
+            add({place, 1}, format);
+        }
+    }
+
+    QTextCharFormat spanFormat(SpanKind kind) const {
+        QTextCharFormat format;
+        switch (kind) {
+            case SpanKind::bold: format.setFontWeight(QFont::DemiBold); return format;
+            case SpanKind::italic: format.setFontItalic(true); return format;
+            case SpanKind::struck:
+                format = colored(_colors.text2);
+                format.setFontStrikeOut(true);
+                return format;
+            case SpanKind::code: return codeFormat();
+            case SpanKind::doneTag: return colored(_colors.text2);
+            default: break;
+        }
+        if (isOver(_line)) {
+            return format;
+        }
+        switch (kind) {
+            case SpanKind::link:
+            case SpanKind::noteLink:
+            case SpanKind::image: return colored(_colors.link);
+            case SpanKind::hashtag:
+            case SpanKind::mention: format = colored(_colors.tag); break;
+            case SpanKind::scheduleTag:
+            case SpanKind::backLink:
+            case SpanKind::plainDate: format = colored(_colors.date); break;
+            default: return format;
+        }
+        format.setFontWeight(QFont::Medium);
+        return format;
+    }
+
+    const app::LineLook& _line;
+    const QString& _text;
+    const Markup _markup;
+    const QFont& _font;
+    const Colors& _colors;
+    QList<QTextLayout::FormatRange> _formats;
+    std::vector<bool> _markupPlaces;
+};
+
+}  // namespace
+
+QList<QTextLayout::FormatRange> formatsOf(const app::LineLook& line, const QString& text,
+                                          Markup markup, const QFont& font) {
+    return line.kind == LineKind::plain ? QList<QTextLayout::FormatRange>()
+                                        : LineFormats(line, text, markup, font).make();
+}
+
+}  // namespace tessaly::desktop

@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/note_layout.h"
+
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+#include "desktop/block_lines.h"
+#include "desktop/note_painter.h"
+#include "desktop/qt_text.h"
+
+namespace tessaly::desktop {
+
+namespace {
+
+constexpr qreal leastColumn = 60;
+constexpr QRectF everything(0, 0, 1e9, 1e9);
+
+}  // namespace
+
+NoteLayout::NoteLayout(QTextDocument* document)
+    : QAbstractTextDocumentLayout(document),
+      _fences(*document, [this](int block) { forget(block); }) {
+    // An edit that changes nothing is told of in this way alone.
+    connect(document, &QTextDocument::contentsChanged, this,
+            [this] { _revision = this->document()->revision(); });
+}
+
+void NoteLayout::setSideRoom(qreal room) {
+    if (std::exchange(_sideRoom, room) != room) {
+        forgetAll();
+    }
+}
+
+void NoteLayout::setMarkers(const grammar::MarkerSettings& markers) {
+    _markers = markers;
+    forgetAll();
+}
+
+void NoteLayout::restyle() {
+    forgetAll();
+}
+
+void NoteLayout::setShownMarkup(int block) {
+    for (const int changed : {std::exchange(_shownMarkup, block), block}) {
+        const QTextBlock text = document()->findBlockByNumber(changed);
+        const BlockLook* look = text.isValid() ? BlockLook::of(text) : nullptr;
+        if (isKnown(changed) && look != nullptr &&
+            (look->markup == Markup::shown) != (changed == _shownMarkup)) {
+            forget(changed);
+            Q_EMIT update(everything);
+        }
+    }
+}
+
+void NoteLayout::setHoveredBox(int block) {
+    for (const int changed : {std::exchange(_hoveredBox, block), block}) {
+        if (isKnown(changed)) {
+            repaint(changed);
+        }
+    }
+}
+
+void NoteLayout::repaint(int block) {
+    Q_EMIT update(blockBoundingRect(document()->findBlockByNumber(block)));
+}
+
+bool NoteLayout::measure(qreal top, qreal bottom) {
+    bool isNew = false;
+    for (int block = blockAt(top); isKnown(block); ++block) {
+        if (document()->documentMargin() + _heights.top(block) > bottom) {
+            break;
+        }
+        isNew = isNew || !_heights.isMeasured(block);
+        ensure(document()->findBlockByNumber(block));
+    }
+    return isNew;
+}
+
+int NoteLayout::blockAt(qreal y) const {
+    return _heights.blockAt(y - document()->documentMargin());
+}
+
+int NoteLayout::boxAt(const QPointF& place) const {
+    const int number = blockAt(place.y());
+    return boxOf(number).adjusted(-4, -4, 4, 4).contains(place) ? number : -1;
+}
+
+QRectF NoteLayout::boxOf(int number) const {
+    const QTextBlock block = document()->findBlockByNumber(number);
+    const QRectF column = columnOf(block);
+    const BlockLook* look = block.isValid() ? BlockLook::of(block) : nullptr;
+    return look != nullptr && isKnown(number) && look->markup == Markup::quiet
+               ? taskBoxOf({block, *look, document()->defaultFont(), column})
+               : QRectF();
+}
+
+QRectF NoteLayout::columnOf(const QTextBlock& block) const {
+    return blockBoundingRect(block).adjusted(_sideRoom, 0, -_sideRoom, 0);
+}
+
+void NoteLayout::tellSize() {
+    if (std::exchange(_hasOtherSize, false)) {
+        Q_EMIT documentSizeChanged(documentSize());
+    }
+}
+
+void NoteLayout::askForSize() const {
+    if (!std::exchange(_hasOtherSize, true)) {
+        auto* self = const_cast<NoteLayout*>(this);
+        QMetaObject::invokeMethod(self, &NoteLayout::tellSize, Qt::QueuedConnection);
+    }
+}
+
+void NoteLayout::draw(QPainter* painter, const PaintContext& context) {
+    const QRectF clip = context.clip.isValid() ? context.clip : everything;
+    for (QTextBlock block = document()->findBlockByNumber(blockAt(clip.top())); block.isValid();
+         block = block.next()) {
+        const QRectF area = blockBoundingRect(block);
+        if (area.top() > clip.bottom()) {
+            break;
+        }
+        const BlockLook* look = BlockLook::of(block);
+        if (look == nullptr || !block.isVisible() || !isKnown(block.blockNumber())) {
+            continue;
+        }
+        // Also what screen readers ask for.
+        block.layout()->setPosition(area.topLeft());
+        const bool isHovered = _hoveredBox == block.blockNumber();
+        paintBlock(*painter, {block, *look, document()->defaultFont(), columnOf(block), isHovered},
+                   context);
+    }
+}
+
+int NoteLayout::hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const {
+    const QTextBlock block = document()->findBlockByNumber(blockAt(point.y()));
+    const QRectF area = blockBoundingRect(block);
+    if (!block.isValid() || (accuracy == Qt::ExactHit && !area.contains(point))) {
+        return -1;
+    }
+    const QTextLayout& text = *block.layout();
+    const QPointF place = point - area.topLeft();
+    for (int i = 0; i < text.lineCount(); ++i) {
+        const QTextLine line = text.lineAt(i);
+        const bool isLast = i + 1 == text.lineCount();
+        if (!isLast && place.y() >= middleOf(line, text.lineAt(i + 1))) {
+            continue;
+        }
+        if (accuracy == Qt::ExactHit && !line.naturalTextRect().contains(place)) {
+            return -1;
+        }
+        int hit = line.xToCursor(place.x(), QTextLine::CursorBetweenCharacters);
+        const int preedit = text.preeditAreaPosition();
+        if (preedit >= 0 && hit > preedit) {
+            hit -= std::min(hit - preedit, static_cast<int>(text.preeditAreaText().size()));
+        }
+        return block.position() + hit;
+    }
+    return block.position();
+}
+
+QSizeF NoteLayout::documentSize() const {
+    return {std::max(0.0, document()->pageSize().width()),
+            _heights.top(_heights.count()) + 2 * document()->documentMargin()};
+}
+
+QRectF NoteLayout::frameBoundingRect(QTextFrame* /*frame*/) const {
+    return {QPointF(0, 0), documentSize()};
+}
+
+QRectF NoteLayout::blockBoundingRect(const QTextBlock& block) const {
+    const int number = block.isValid() ? block.blockNumber() : -1;
+    if (number < 0 || number >= _heights.count()) {
+        return {};
+    }
+    ensure(block);
+    return {0, document()->documentMargin() + _heights.top(number), columnWidth() + 2 * _sideRoom,
+            _heights.height(number)};
+}
+
+void NoteLayout::documentChanged(int from, int /*removed*/, int added) {
+    if (_isStyling) {
+        return;
+    }
+    _revision = document()->revision();
+    const int lastPosition = document()->characterCount() - 1;
+    const int first = document()->findBlock(std::min(from, lastPosition)).blockNumber();
+    const int last = document()->findBlock(std::min(from + added, lastPosition)).blockNumber();
+    const int more = document()->blockCount() - _heights.count();
+    const int oldCount = last - first + 1 - more;
+    if (first < 0 || last < first || oldCount < 0 || first + oldCount > _heights.count()) {
+        replaceBlocks(0, _heights.count(), document()->blockCount());
+    } else {
+        replaceBlocks(first, oldCount, last - first + 1);
+    }
+    askForSize();
+    Q_EMIT update(everything);
+}
+
+void NoteLayout::replaceBlocks(int first, int oldCount, int newCount) {
+    std::vector<float> estimates;
+    QTextBlock block = document()->findBlockByNumber(first);
+    for (int i = 0; i < newCount; ++i, block = block.next()) {
+        estimates.push_back(estimatedHeight(block));
+        // Its lines may have more characters than it has.
+        block.clearLayout();
+    }
+    _heights.replace(first, oldCount, estimates);
+    _fences.replace(first, oldCount, newCount);
+    for (int* const told : {&_shownMarkup, &_hoveredBox}) {
+        *told += *told >= first + oldCount ? newCount - oldCount : 0;
+    }
+}
+
+/// Blocks may be asked for while an edit is being made, and before it is told of.
+bool NoteLayout::isKnown(int block) const {
+    return block >= 0 && block < _heights.count() && _heights.count() == document()->blockCount() &&
+           _revision == document()->revision();
+}
+
+void NoteLayout::forget(int block) const {
+    _heights.forget(block);
+}
+
+void NoteLayout::forgetAll() {
+    for (int block = 0; block < _heights.count(); ++block) {
+        _heights.forget(block);
+    }
+    askForSize();
+    Q_EMIT update(everything);
+}
+
+float NoteLayout::estimatedHeight(const QTextBlock& block) const {
+    const QFont font = document()->defaultFont();
+    const qreal letters = columnWidth() / (font.pixelSize() * 0.5);
+    const qreal lines = std::max(1.0, std::ceil(block.length() / std::max(1.0, letters)));
+    return static_cast<float>(lines * linePitch(font));
+}
+
+void NoteLayout::ensure(const QTextBlock& block) const {
+    const int number = block.blockNumber();
+    if (!isKnown(number)) {
+        return;
+    }
+    const app::FenceState before = _fences.before(number);
+    if (_heights.isMeasured(number)) {
+        return;
+    }
+    auto look = std::make_unique<BlockLook>();
+    look->line = app::lineLook(utf8(block.text()), before, _markers);
+    look->markup = number == _shownMarkup ? Markup::shown : Markup::quiet;
+    look->shape = shapeOf(look->line, block.text(), document()->defaultFont());
+    look->shape.indent = std::min(look->shape.indent, columnWidth() / 2);
+    const double height = _heights.height(number);
+    _heights.setMeasured(number, static_cast<float>(layOut(block, *look)));
+    // Belongs to the block from here on.
+    QTextBlock(block).setUserData(look.release());
+    if (height != _heights.height(number)) {
+        askForSize();
+    }
+}
+
+qreal NoteLayout::layOut(const QTextBlock& block, const BlockLook& look) const {
+    const QScopedValueRollback styling(_isStyling, true);
+    const qreal height = layOutBlock(block, look, {columnWidth(), _sideRoom});
+    // The document has taken the formats for a change, which it would tell of with the next one.
+    document()->markContentsDirty(block.position(), block.length());
+    return height;
+}
+
+qreal NoteLayout::columnWidth() const {
+    return std::max(leastColumn, document()->pageSize().width() - 2 * _sideRoom);
+}
+
+}  // namespace tessaly::desktop

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QAbstractTextDocumentLayout>
+#include <QRectF>
+#include <optional>
+
+#include "desktop/block_heights.h"
+#include "desktop/block_style.h"
+#include "desktop/fence_states.h"
+#include "grammar/todo.h"
+
+namespace tessaly::desktop {
+
+/// Lays out a note as Markdown looks, out of the plain text and nothing else: what it makes of the
+/// text enters neither text nor undo. A block is looked at when it is drawn, pointed at or
+/// asked for; how high the others are is guessed. All places are in pixels of the document.
+class NoteLayout : public QAbstractTextDocumentLayout {
+    Q_OBJECT
+public:
+    explicit NoteLayout(QTextDocument* document);
+
+    /// Room on both sides of the text, which markup may hang out into.
+    void setSideRoom(qreal room);
+    void setMarkers(const grammar::MarkerSettings& markers);
+    /// Colours or fonts have changed.
+    void restyle();
+    /// The block whose markup is shown; -1: none.
+    void setShownMarkup(int block);
+    /// The block whose box the pointer is on; -1: none.
+    void setHoveredBox(int block);
+
+    /// Lays out what lies between; false: all of it was.
+    bool measure(qreal top, qreal bottom);
+    bool isMeasured(int block) const { return _heights.isMeasured(block); }
+    int blockAt(qreal y) const;
+    /// The block whose box is there; -1: none.
+    int boxAt(const QPointF& place) const;
+    /// Where the box of a task is drawn; empty: there is none.
+    QRectF boxOf(int block) const;
+    /// Tells how large the document is at once, which is otherwise told once a turn.
+    void tellSize();
+
+    void draw(QPainter* painter, const PaintContext& context) override;
+    int hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const override;
+    int pageCount() const override { return 1; }
+    QSizeF documentSize() const override;
+    QRectF frameBoundingRect(QTextFrame* frame) const override;
+    QRectF blockBoundingRect(const QTextBlock& block) const override;
+
+protected:
+    void documentChanged(int from, int removed, int added) override;
+
+private:
+    bool isKnown(int block) const;
+    void forgetAll();
+    void forget(int block) const;
+    void replaceBlocks(int first, int oldCount, int newCount);
+    float estimatedHeight(const QTextBlock& block) const;
+    void ensure(const QTextBlock& block) const;
+    /// How high it is.
+    qreal layOut(const QTextBlock& block, const BlockLook& look) const;
+    qreal columnWidth() const;
+    QRectF columnOf(const QTextBlock& block) const;
+    void askForSize() const;
+    void repaint(int block);
+
+    // What is found out when it is asked for.
+    mutable BlockHeights _heights;
+    mutable FenceStates _fences;
+    mutable bool _isStyling = false;
+    mutable bool _hasOtherSize = false;
+
+    grammar::MarkerSettings _markers;
+    qreal _sideRoom = 24;
+    int _shownMarkup = -1;
+    int _hoveredBox = -1;
+    int _revision = 0;  ///< of the document, when it was told of last
+};
+
+}  // namespace tessaly::desktop
