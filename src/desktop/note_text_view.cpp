@@ -219,11 +219,13 @@ void NoteTextView::paintEvent(QPaintEvent* event) {
 }
 
 void NoteTextView::paintPlaceholder(const QRect& clip) {
-    const QRectF line = _layout->blockBoundingRect(document()->firstBlock());
+    // Where the first letter will stand; the column is as far from either side.
+    const QRect caret = cursorRect(QTextCursor(document()->firstBlock()));
+    const int side = isRightToLeft() ? viewport()->width() - caret.right() : caret.left();
     QPainter painter(viewport());
     painter.setClipRect(clip);
     painter.setPen(Theme::instance().colors().text2);
-    const QRectF place(line.left(), line.top() + 3, line.width(), viewport()->height());
+    const QRect place(side, caret.top(), viewport()->width() - 2 * side, viewport()->height());
     painter.drawText(place, static_cast<int>(Qt::AlignTop) | Qt::TextWordWrap, _placeholder);
 }
 

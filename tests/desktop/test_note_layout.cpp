@@ -119,7 +119,9 @@ void checkLikeNew(const ShownEditor& editor) {
 }
 
 void editAtRandom(ShownEditor& editor, std::mt19937& random) {
-    const auto upTo = [&](int most) { return static_cast<int>(random() % (most + 1U)); };
+    const auto upTo = [&](int most) {
+        return static_cast<int>(random() % (static_cast<unsigned>(most) + 1U));
+    };
     const int last = editor.document()->characterCount() - 1;
     QTextCursor caret = editor.textCursor();
     caret.setPosition(upTo(last));
