@@ -92,8 +92,6 @@ MainWindow::~MainWindow() {
     _services.ports().mainQueue.cancel(_dayTimer);
     _services.noteCache().removeListener(*this);
     _services.noteMoves().setOnRemoval({});
-    // The focus moves while the panes go.
-    disconnect(qApp, nullptr, this, nullptr);
     // These work with what is a member, and would outlive it as children.
     delete _sideBar;
     delete _commandBar;
