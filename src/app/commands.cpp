@@ -91,6 +91,10 @@ constexpr std::array allCommands{
     CommandRow{CommandId::findPrevious, "findPrevious", Group::edit, Need::nothing,
                N_("Find Previous"), "Shift+F3 Ctrl+Shift+G"},
     CommandRow{CommandId::replace, "replace", Group::edit, Need::text, N_("Replace…"), "Ctrl+H"},
+    CommandRow{CommandId::foldLine, "foldLine", Group::edit, Need::text, N_("Fold or Unfold Line"),
+               "Alt+F", "", N_("Hides what belongs to a heading or item, or shows it again")},
+    CommandRow{CommandId::foldAll, "foldAll", Group::edit, Need::text, N_("Fold or Unfold All"),
+               "Alt+Shift+F"},
 
     CommandRow{CommandId::markBold, "markBold", Group::format, Need::text, N_("Bold"), "Ctrl+B", "",
                "", Mark::bold},

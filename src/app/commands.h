@@ -53,6 +53,8 @@ enum class CommandId {
     findNext,
     findPrevious,
     replace,
+    foldLine,  // away what belongs to it, or show that again
+    foldAll,
     // Format: the editor's marks
     markBold,
     markItalic,

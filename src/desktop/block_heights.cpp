@@ -36,8 +36,12 @@ double BlockHeights::top(int block) const {
 int BlockHeights::blockAt(double y) const {
     top(count());
     const auto below = std::upper_bound(_tops.begin(), _tops.end(), y);
-    return std::clamp(static_cast<int>(below - _tops.begin()) - 1, std::min(0, count() - 1),
-                      count() - 1);
+    int block = std::clamp(static_cast<int>(below - _tops.begin()) - 1, std::min(0, count() - 1),
+                           count() - 1);
+    while (block > 0 && height(block) == 0) {
+        --block;
+    }
+    return block;
 }
 
 }  // namespace tessaly::desktop

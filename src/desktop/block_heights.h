@@ -21,7 +21,7 @@ public:
     double height(int block) const { return static_cast<double>(_rows[at(block)].height); }
     /// Of the first one it is 0; `count()` has one, too: the height of all.
     double top(int block) const;
-    /// The block that covers `y`, else the nearest one; -1: there is none.
+    /// The block that covers `y`, else the nearest one that has a height; -1: there is none.
     int blockAt(double y) const;
 
 private:

@@ -30,10 +30,6 @@ bool isInCode(const app::LineLook& line) {
     return line.kind == LineKind::code || line.kind == LineKind::fence;
 }
 
-bool isInList(const app::LineLook& line) {
-    return line.kind == LineKind::bullet || line.kind == LineKind::numbered || hasBox(line);
-}
-
 int levelOf(const QString& indent) {
     const auto tabs = indent.count(u'\t');
     return static_cast<int>(tabs + (indent.size() - tabs) / spacesOfLevel);
@@ -57,6 +53,10 @@ qreal linePitch(const QFont& font) {
     return std::round(font.pixelSize() * 5.0 / 3);
 }
 
+qreal levelWidth(const QFont& font) {
+    return levelIndent * scaleOf(font);
+}
+
 BlockShape shapeOf(const app::LineLook& line, const QString& text, const QFont& font) {
     const qreal scale = scaleOf(font);
     BlockShape shape;
@@ -75,17 +75,21 @@ BlockShape shapeOf(const app::LineLook& line, const QString& text, const QFont& 
         shape.indent = std::round(codeIndent * scale);
         shape.pitch = std::round(22 * scale);
         shape.prefix = 0;
-    } else if (isInList(line)) {
+    } else if (hasSigns(line)) {
         shape.indent = std::round(listIndent * scale);
         shape.below = std::round(listGap * scale);
     }
     shape.indent +=
-        std::round(levelOf(text.left(static_cast<int>(line.indent.end()))) * levelIndent * scale);
+        std::round(levelOf(text.left(static_cast<int>(line.indent.end()))) * levelWidth(font));
     return shape;
 }
 
 bool hasBox(const app::LineLook& line) {
     return line.kind == LineKind::task || line.kind == LineKind::checklist;
+}
+
+bool hasSigns(const app::LineLook& line) {
+    return line.kind == LineKind::bullet || line.kind == LineKind::numbered || hasBox(line);
 }
 
 bool isOver(const app::LineLook& line) {

@@ -38,6 +38,8 @@ struct BlockLook : QTextBlockUserData {
 qreal scaleOf(const QFont& font);
 /// From a line of usual text to the next.
 qreal linePitch(const QFont& font);
+/// From a level of indentation to the next.
+qreal levelWidth(const QFont& font);
 
 /// `font` is the text's.
 BlockShape shapeOf(const app::LineLook& line, const QString& text, const QFont& font);
@@ -54,6 +56,8 @@ const HeadingStyle& headingStyle(std::size_t level);
 
 /// Whether a box is drawn for the line.
 bool hasBox(const app::LineLook& line);
+/// Whether a box, a bullet or a number hangs out before the text.
+bool hasSigns(const app::LineLook& line);
 /// Whether its colours are those of what is over.
 bool isOver(const app::LineLook& line);
 /// Whether a shape of its own colour lies behind the span.

@@ -10,8 +10,14 @@
 #include <QTextBlock>
 #include <algorithm>
 
+#include "desktop/box_menu.h"
 #include "desktop/long_lines.h"
+#include "desktop/note_folding.h"
+#include "desktop/note_layout.h"
+#include "desktop/note_pointer.h"
 #include "desktop/qt_text.h"
+#include "editor/smart_link.h"
+#include "grammar/line_scanner.h"
 
 namespace tessaly::desktop {
 
@@ -47,11 +53,15 @@ QString writtenBy(const QKeyEvent& event) {
 
 NoteEditor::NoteEditor(QWidget* parent) : RecordedTextEdit(parent) {
     setAccessibleName(trText("Note"));
+    connect(this, &NoteTextView::linesDropped, this, &NoteEditor::moveLines);
 }
 
 bool NoteEditor::mark(editor::MarkAction action) {
     if (!canEdit()) {
         return false;
+    }
+    if (moveFolded(action)) {
+        return true;
     }
     const auto made = editor::mark(action, text(), selectionOf(textCursor()), _markSettings);
     if (!made) {
@@ -86,7 +96,58 @@ int NoteEditor::rewriteLines(Lines lines, const LineRewrite& rewrite) {
     return count;
 }
 
-NoteEditor::Lines NoteEditor::selectedLines() const {
+void NoteEditor::moveLines(Lines lines, LineTarget target) {
+    const DocumentChanges changes = changesThatMove(*document(), lines, target);
+    if (!canEdit() || changes.empty()) {
+        return;
+    }
+    const int by = firstLineAfterMove(lines, target) - lines.first;
+    std::vector<int> folded;
+    for (const int head : noteLayout().folds().heads()) {
+        if (head >= lines.first && head <= lines.last) {
+            folded.push_back(head + by);
+        }
+    }
+    const int line = textCursor().blockNumber();
+    const int column = textCursor().positionInBlock();
+    if (!edit([&] { moveCaretAlong(changes, [&] { makeChanges(*document(), changes); }); })) {
+        return;
+    }
+    noteLayout().changeFolds([&](NoteFolds& folds) {
+        return std::count_if(folded.begin(), folded.end(),
+                             [&](int head) { return folds.fold(head); }) > 0;
+    });
+    if (line >= lines.first && line <= lines.last) {
+        const QTextBlock block = document()->findBlockByNumber(line + by);
+        QTextCursor caret(block);
+        caret.setPosition(block.position() + std::min(column, block.length() - 1));
+        setTextCursor(caret);
+    }
+}
+
+/// A line that is folded moves with all that it hides, and past another likewise.
+bool NoteEditor::moveFolded(editor::MarkAction action) {
+    const bool isUp = action == editor::MarkAction::moveUp;
+    const NoteFolds& folds = noteLayout().folds();
+    if ((!isUp && action != editor::MarkAction::moveDown) || folds.heads().empty()) {
+        return false;
+    }
+    Lines lines = selectedLines();
+    lines.last = folds.isFolded(lines.last) ? *folds.lastOf(lines.last) : lines.last;
+    int before = isUp ? lines.first - 1 : lines.last + 1;
+    while (before > 0 && !document()->findBlockByNumber(before).isVisible()) {
+        --before;
+    }
+    if (!isUp) {
+        before = (folds.isFolded(before) ? *folds.lastOf(before) : before) + 1;
+    }
+    if (before >= 0 && before <= endForLines(*document())) {
+        moveLines(lines, {before, 0});
+    }
+    return true;
+}
+
+Lines NoteEditor::selectedLines() const {
     const QTextCursor caret = textCursor();
     const QTextBlock first = document()->findBlock(caret.selectionStart());
     QTextBlock last = document()->findBlock(caret.selectionEnd());
@@ -120,13 +181,16 @@ bool NoteEditor::isWindowKey(const QKeyEvent& event) const {
 }
 
 void NoteEditor::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
+    if (event->key() == Qt::Key_Escape && !pointer().isDragging()) {
         Q_EMIT escaped();
         return;
     }
-    if (canEdit() && pressEditingKey(*event)) {
-        event->accept();
-        return;
+    if (canEdit()) {
+        folding().beforeEdit(*event);
+        if (pressEditingKey(*event)) {
+            event->accept();
+            return;
+        }
     }
     edit([&] { RecordedTextEdit::keyPressEvent(event); });
 }
@@ -252,14 +316,41 @@ void NoteEditor::insertFromMimeData(const QMimeData* source) {
         Q_EMIT notice(trText("The text has a line that is too long to be edited here."));
         return;
     }
+    const std::string selected = utf8(selectedTextOf(textCursor()));
+    const auto link =
+        _linkPaste == LinkPaste::overWords ? editor::linkOver(selected, utf8(text)) : std::nullopt;
     edit([&] {
         QTextCursor caret = textCursor();
-        caret.insertText(text);
+        caret.insertText(link ? documentText(*link) : text);
         setTextCursor(caret);
     });
 }
 
+/// False: there is none.
+bool NoteEditor::openBoxMenu(const QPoint& place) {
+    const int line = pointer().boxAt(viewport()->mapFromGlobal(QPointF(place)));
+    if (line < 0 || !canEdit()) {
+        return false;
+    }
+    goToLineEnd(line);
+    QMenu menu(this);
+    const auto type = grammar::classifyLine(lineText(line), _markSettings.markers).type;
+    fillBoxMenu(menu, *window(), type);
+    menu.exec(place);
+    return true;
+}
+
+void NoteEditor::goToLineEnd(int line) {
+    const QTextBlock block = document()->findBlockByNumber(line);
+    QTextCursor caret(block);
+    caret.movePosition(QTextCursor::EndOfBlock);
+    setTextCursor(caret);
+}
+
 void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Mouse && openBoxMenu(event->globalPos())) {
+        return;
+    }
     const bool hasSelection = textCursor().hasSelection();
     QMenu menu(this);
     const auto add = [&](const QString& text, void (NoteEditor::*run)(), bool isPossible) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/text_range.h"
+#include "desktop/line_moves.h"
 #include "desktop/recorded_text_edit.h"
 #include "desktop/typing_run.h"
 #include "editor/edit.h"
@@ -21,6 +22,9 @@ public:
     explicit NoteEditor(QWidget* parent = nullptr);
 
     void setMarkSettings(const editor::MarkSettings& settings) { _markSettings = settings; }
+    /// Whether an address that is pasted over words becomes their link.
+    enum class LinkPaste { asText, overWords };
+    void setLinkPaste(LinkPaste paste) { _linkPaste = paste; }
     /// One undo step; false: there was nothing to change.
     bool mark(editor::MarkAction action);
     /// A new form of a line, which holds no line break; the same: leave it.
@@ -29,16 +33,13 @@ public:
     /// or would be, if that were not refused.
     int rewriteLines(const LineRewrite& rewrite) { return rewriteLines(selectedLines(), rewrite); }
 
-    /// Lines of the text, from 0, which it has.
-    struct Lines {
-        int first = 0;
-        int last = 0;
-    };
     /// Those that the selection touches.
     Lines selectedLines() const;
     /// As `rewriteLines` of the selection.
     int rewriteLines(Lines lines, const LineRewrite& rewrite);
     std::string lineText(int line) const;
+    /// Moves lines as one undo step; those that are folded stay so.
+    void moveLines(Lines lines, LineTarget target);
 
 Q_SIGNALS:
     void escaped();
@@ -69,8 +70,12 @@ private:
     LinesText selectedLinesText() const;
     /// An edit of the text that begins at `start`.
     void make(editor::Edit change, int start);
+    bool openBoxMenu(const QPoint& place);
+    void goToLineEnd(int line);
+    bool moveFolded(editor::MarkAction action);
     TypingRun _run;
     editor::MarkSettings _markSettings;
+    LinkPaste _linkPaste = LinkPaste::overWords;
 };
 
 }  // namespace tessaly::desktop

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "desktop/block_lines.h"
+#include "desktop/line_handles.h"
 #include "desktop/note_painter.h"
 #include "desktop/qt_text.h"
 
@@ -25,7 +26,8 @@ constexpr QRectF everything(0, 0, 1e9, 1e9);
 
 NoteLayout::NoteLayout(QTextDocument* document)
     : QAbstractTextDocumentLayout(document),
-      _fences(*document, [this](int block) { forget(block); }) {
+      _fences(*document, [this](int block) { forget(block); }),
+      _folds(*document, _fences, [this](int block) { onHidden(block); }) {
     // An edit that changes nothing is told of in this way alone.
     connect(document, &QTextDocument::contentsChanged, this,
             [this] { _revision = this->document()->revision(); });
@@ -59,11 +61,35 @@ void NoteLayout::setShownMarkup(int block) {
 }
 
 void NoteLayout::setHoveredBox(int block) {
-    for (const int changed : {std::exchange(_hoveredBox, block), block}) {
-        if (isKnown(changed)) {
-            repaint(changed);
+    repaintChanged(_hoveredBox, block);
+}
+
+void NoteLayout::setPointedBlock(int block) {
+    repaintChanged(_pointedBlock, block);
+}
+
+void NoteLayout::repaintChanged(int& told, int block) {
+    if (told != block) {
+        for (const int changed : {std::exchange(told, block), block}) {
+            if (isKnown(changed)) {
+                repaint(changed);
+            }
         }
     }
+}
+
+bool NoteLayout::changeFolds(const std::function<bool(NoteFolds& folds)>& change) {
+    const bool isChanged = change(_folds);
+    if (isChanged) {
+        askForSize();
+        Q_EMIT update(everything);
+    }
+    return isChanged;
+}
+
+void NoteLayout::onHidden(int block) {
+    _heights.setMeasured(block, estimatedHeight(document()->findBlockByNumber(block)));
+    forget(block);
 }
 
 void NoteLayout::repaint(int block) {
@@ -93,11 +119,41 @@ int NoteLayout::boxAt(const QPointF& place) const {
 
 QRectF NoteLayout::boxOf(int number) const {
     const QTextBlock block = document()->findBlockByNumber(number);
-    const QRectF column = columnOf(block);
-    const BlockLook* look = block.isValid() ? BlockLook::of(block) : nullptr;
-    return look != nullptr && isKnown(number) && look->markup == Markup::quiet
-               ? taskBoxOf({block, *look, document()->defaultFont(), column})
-               : QRectF();
+    const BlockLook* look = lookOf(block);
+    return look != nullptr && look->markup == Markup::quiet ? taskBoxOf(paintedBlock(block, *look))
+                                                            : QRectF();
+}
+
+QRectF NoteLayout::handleOf(int number) const {
+    const QTextBlock block = document()->findBlockByNumber(number);
+    const BlockLook* look = lookOf(block);
+    return look != nullptr ? handlePlace(paintedBlock(block, *look)) : QRectF();
+}
+
+QRectF NoteLayout::foldMarkOf(int number) const {
+    const QTextBlock block = document()->findBlockByNumber(number);
+    const BlockLook* look = lookOf(block);
+    return look != nullptr ? foldMarkPlace(paintedBlock(block, *look)) : QRectF();
+}
+
+/// Nothing: it is not laid out, or not shown.
+const BlockLook* NoteLayout::lookOf(const QTextBlock& block) const {
+    (void)blockBoundingRect(block);
+    const bool isShown = block.isValid() && block.isVisible() && isKnown(block.blockNumber());
+    return isShown ? BlockLook::of(block) : nullptr;
+}
+
+PaintedBlock NoteLayout::paintedBlock(const QTextBlock& block, const BlockLook& look) const {
+    const int number = block.blockNumber();
+    const bool isPointed = _pointedBlock == number;
+    return {block,
+            look,
+            document()->defaultFont(),
+            columnOf(block),
+            _hoveredBox == number,
+            isPointed,
+            isPointed && _folds.canFold(number),
+            _folds.hiddenBy(number)};
 }
 
 QRectF NoteLayout::columnOf(const QTextBlock& block) const {
@@ -125,15 +181,13 @@ void NoteLayout::draw(QPainter* painter, const PaintContext& context) {
         if (area.top() > clip.bottom()) {
             break;
         }
-        const BlockLook* look = BlockLook::of(block);
-        if (look == nullptr || !block.isVisible() || !isKnown(block.blockNumber())) {
+        const BlockLook* look = lookOf(block);
+        if (look == nullptr) {
             continue;
         }
         // Also what screen readers ask for.
         block.layout()->setPosition(area.topLeft());
-        const bool isHovered = _hoveredBox == block.blockNumber();
-        paintBlock(*painter, {block, *look, document()->defaultFont(), columnOf(block), isHovered},
-                   context);
+        paintBlock(*painter, paintedBlock(block, *look), context);
     }
 }
 
@@ -212,7 +266,8 @@ void NoteLayout::replaceBlocks(int first, int oldCount, int newCount) {
     }
     _heights.replace(first, oldCount, estimates);
     _fences.replace(first, oldCount, newCount);
-    for (int* const told : {&_shownMarkup, &_hoveredBox}) {
+    _folds.replaced(first, oldCount, newCount);
+    for (int* const told : {&_shownMarkup, &_hoveredBox, &_pointedBlock}) {
         *told += *told >= first + oldCount ? newCount - oldCount : 0;
     }
 }
@@ -236,6 +291,9 @@ void NoteLayout::forgetAll() {
 }
 
 float NoteLayout::estimatedHeight(const QTextBlock& block) const {
+    if (!block.isVisible()) {
+        return 0;
+    }
     const QFont font = document()->defaultFont();
     const qreal letters = columnWidth() / (font.pixelSize() * 0.5);
     const qreal lines = std::max(1.0, std::ceil(block.length() / std::max(1.0, letters)));
@@ -249,6 +307,10 @@ void NoteLayout::ensure(const QTextBlock& block) const {
     }
     const app::FenceState before = _fences.before(number);
     if (_heights.isMeasured(number)) {
+        return;
+    }
+    if (!block.isVisible()) {
+        _heights.setMeasured(number, 0);
         return;
     }
     auto look = std::make_unique<BlockLook>();

@@ -3,14 +3,18 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QRectF>
+#include <functional>
 #include <optional>
 
 #include "desktop/block_heights.h"
 #include "desktop/block_style.h"
 #include "desktop/fence_states.h"
+#include "desktop/note_folds.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
+
+struct PaintedBlock;
 
 /// Lays out a note as Markdown looks, out of the plain text and nothing else: what it makes of the
 /// text enters neither text nor undo. A block is looked at when it is drawn, pointed at or
@@ -29,15 +33,27 @@ public:
     void setShownMarkup(int block);
     /// The block whose box the pointer is on; -1: none.
     void setHoveredBox(int block);
+    /// The block that the pointer is in, which shows its handle; -1: none.
+    void setPointedBlock(int block);
+
+    const NoteFolds& folds() const { return _folds; }
+    /// Does something to the folds; false: nothing has come of it.
+    bool changeFolds(const std::function<bool(NoteFolds& folds)>& change);
 
     /// Lays out what lies between; false: all of it was.
     bool measure(qreal top, qreal bottom);
     bool isMeasured(int block) const { return _heights.isMeasured(block); }
     int blockAt(qreal y) const;
+    /// The text of a block, without the room on its sides.
+    QRectF columnOf(const QTextBlock& block) const;
     /// The block whose box is there; -1: none.
     int boxAt(const QPointF& place) const;
     /// Where the box of a task is drawn; empty: there is none.
     QRectF boxOf(int block) const;
+    /// Before the line: what folds it, and what it is moved by. Empty: the line has none.
+    QRectF handleOf(int block) const;
+    /// Behind a folded line: how much it hides; empty: it is not folded.
+    QRectF foldMarkOf(int block) const;
     /// Tells how large the document is at once, which is otherwise told once a turn.
     void tellSize();
 
@@ -57,17 +73,21 @@ private:
     void forget(int block) const;
     void replaceBlocks(int first, int oldCount, int newCount);
     float estimatedHeight(const QTextBlock& block) const;
+    void onHidden(int block);
+    PaintedBlock paintedBlock(const QTextBlock& block, const BlockLook& look) const;
+    const BlockLook* lookOf(const QTextBlock& block) const;
     void ensure(const QTextBlock& block) const;
     /// How high it is.
     qreal layOut(const QTextBlock& block, const BlockLook& look) const;
     qreal columnWidth() const;
-    QRectF columnOf(const QTextBlock& block) const;
     void askForSize() const;
     void repaint(int block);
+    void repaintChanged(int& told, int block);
 
     // What is found out when it is asked for.
     mutable BlockHeights _heights;
     mutable FenceStates _fences;
+    NoteFolds _folds;
     mutable bool _isStyling = false;
     mutable bool _hasOtherSize = false;
 
@@ -75,6 +95,7 @@ private:
     qreal _sideRoom = 24;
     int _shownMarkup = -1;
     int _hoveredBox = -1;
+    int _pointedBlock = -1;
     int _revision = 0;  ///< of the document, when it was told of last
 };
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <vector>
 
+#include "desktop/line_handles.h"
 #include "desktop/task_rows.h"
 #include "desktop/theme.h"
 
@@ -82,6 +83,8 @@ public:
         paintMarker();
         _painter.setPen(_context.palette.color(QPalette::Text));
         _text.draw(&_painter, {});  // stands at its own place
+        paintHandle(_painter, _painted);
+        paintFoldMark(_painter, _painted);
         paintCaret();
     }
 
@@ -89,13 +92,7 @@ private:
     bool isMirrored() const { return _painted.block.textDirection() == Qt::RightToLeft; }
     bool isQuiet() const { return _painted.look.markup == Markup::quiet; }
 
-    /// A rectangle whose place is given from where reading begins.
-    QRectF mirrored(QRectF place) const {
-        if (isMirrored()) {
-            place.moveLeft(_painted.area.left() + _painted.area.right() - place.right());
-        }
-        return place;
-    }
+    QRectF mirrored(const QRectF& place) const { return mirroredIn(_painted, place); }
 
     QRectF lineArea(int i) const {
         const BlockShape& shape = _painted.look.shape;

@@ -13,6 +13,7 @@
 #include "desktop/conflict_bar.h"
 #include "desktop/find_bar.h"
 #include "desktop/note_editor.h"
+#include "desktop/note_folding.h"
 #include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
@@ -312,7 +313,19 @@ bool NotePane::perform(CommandId command) {
     switch (command) {
         case CommandId::undo: _editor->undo(); return true;
         case CommandId::redo: _editor->redo(); return true;
+        case CommandId::foldLine: foldLine(); return true;
+        case CommandId::foldAll: _editor->folding().toggleAll(); return true;
         default: return _tasks->perform(command);
+    }
+}
+
+/// The caret's line, or else the one that it belongs to.
+void NotePane::foldLine() {
+    const NoteFolding& folding = _editor->folding();
+    if (const auto line = folding.nearest(_editor->textCursor().blockNumber())) {
+        _editor->folding().toggle(*line);
+    } else {
+        Q_EMIT notice(trText("Nothing belongs to this line that could be folded."));
     }
 }
 
@@ -326,6 +339,8 @@ void NotePane::restyle() {
         editor->setLook(look);
         editor->setMarkSettings({_services.markerSettings(), globals.defaultTodoCharacter()});
     }
+    _editor->setLinkPaste(globals.isSmartMarkdownLink() ? NoteEditor::LinkPaste::overWords
+                                                        : NoteEditor::LinkPaste::asText);
     QPalette quiet = palette();
     quiet.setColor(QPalette::WindowText, theme.colors().text2);
     _empty->setPalette(quiet);

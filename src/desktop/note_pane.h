@@ -91,6 +91,7 @@ private:
     void onMerged(const std::string& text);
     void onSaveState();
     bool showsMainEditor() const;
+    void foldLine();
 
     app::Services& _services;
     std::unique_ptr<app::OpenNote> _note;

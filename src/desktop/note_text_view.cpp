@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/note_text_view.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -11,7 +12,9 @@
 #include <utility>
 
 #include "desktop/document_edits.h"
+#include "desktop/note_folding.h"
 #include "desktop/note_layout.h"
+#include "desktop/note_pointer.h"
 #include "desktop/theme.h"
 
 namespace tessaly::desktop {
@@ -35,7 +38,11 @@ NoteLayout* makeLayout(QTextEdit& edit) {
 
 }  // namespace
 
-NoteTextView::NoteTextView(QWidget* parent) : QTextEdit(parent), _layout(makeLayout(*this)) {
+NoteTextView::NoteTextView(QWidget* parent)
+    : QTextEdit(parent),
+      _layout(makeLayout(*this)),
+      _folding(std::make_unique<NoteFolding>(*this, *_layout)),
+      _pointer(new NotePointer(*this, *_layout)) {
     setFrameShape(QFrame::NoFrame);
     setCursor(Qt::IBeamCursor);
     setAcceptRichText(false);
@@ -46,12 +53,23 @@ NoteTextView::NoteTextView(QWidget* parent) : QTextEdit(parent), _layout(makeLay
     // Painted with the text: what the view keeps as its own ground does not follow the theme.
     viewport()->setAutoFillBackground(false);
     connect(&Theme::instance(), &Theme::changed, this, &NoteTextView::paintTheme);
-    connect(this, &QTextEdit::cursorPositionChanged, this, &NoteTextView::showMarkup);
+    connect(this, &QTextEdit::cursorPositionChanged, this, &NoteTextView::onCaret);
+    connect(_pointer, &NotePointer::boxClicked, this, &NoteTextView::boxClicked);
+    connect(_pointer, &NotePointer::dropped, this, &NoteTextView::linesDropped);
+    connect(_pointer, &NotePointer::foldClicked, this, [this](int line) {
+        if (_folding->canToggle(line)) {
+            _folding->toggle(line);
+        }
+    });
     // What is selected is painted higher than its letters, of which alone the base knows.
     connect(this, &QTextEdit::selectionChanged, viewport(), qOverload<>(&QWidget::update));
     // The base scrolls to the caret in the same turn.
     connect(document(), &QTextDocument::contentsChanged, _layout, &NoteLayout::tellSize);
     paintTheme();
+}
+
+NoteTextView::~NoteTextView() {
+    delete _pointer;  // asks the layout, which goes with the document
 }
 
 void NoteTextView::setLook(const Look& look) {
@@ -115,6 +133,13 @@ void NoteTextView::showMatches() {
     }
 }
 
+void NoteTextView::onCaret() {
+    _folding->caretMoved();
+    if (!_isPressing) {
+        showMarkup();
+    }
+}
+
 /// The markup of the caret's line, while the user writes here.
 void NoteTextView::showMarkup() {
     const bool isShown = hasFocus() && !isReadOnly();
@@ -164,44 +189,45 @@ bool NoteTextView::forwardMarginEvent(QEvent& event) {
     }
 }
 
-int NoteTextView::boxAt(const QMouseEvent& event) const {
-    return _layout->boxAt(event.position() + QPointF(0, verticalScrollBar()->value()));
-}
-
-bool NoteTextView::pressBox(const QMouseEvent& event) {
-    _pressedBox = event.button() == Qt::LeftButton ? boxAt(event) : -1;
-    return _pressedBox >= 0;
-}
-
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
-    if (!pressBox(*event)) {
+    if (!_pointer->press(*event)) {
+        _isPressing = true;
         QTextEdit::mousePressEvent(event);
     }
 }
 
 void NoteTextView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (!pressBox(*event)) {
+    if (!_pointer->press(*event)) {
         QTextEdit::mouseDoubleClickEvent(event);
     }
 }
 
 void NoteTextView::mouseMoveEvent(QMouseEvent* event) {
-    if (_pressedBox >= 0) {
-        return;
+    if (!_pointer->move(*event)) {
+        QTextEdit::mouseMoveEvent(event);
     }
-    const int box = event->buttons() == Qt::NoButton && !isReadOnly() ? boxAt(*event) : -1;
-    _layout->setHoveredBox(box);
-    viewport()->setCursor(box >= 0 ? Qt::PointingHandCursor : Qt::IBeamCursor);
-    QTextEdit::mouseMoveEvent(event);
 }
 
 void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
-    const int pressed = std::exchange(_pressedBox, -1);
-    if (pressed < 0) {
+    if (!_pointer->release(*event)) {
         QTextEdit::mouseReleaseEvent(event);
-    } else if (boxAt(*event) == pressed) {
-        Q_EMIT boxClicked(pressed);
     }
+    if (std::exchange(_isPressing, false)) {
+        showMarkup();
+    }
+}
+
+void NoteTextView::leaveEvent(QEvent* event) {
+    QTextEdit::leaveEvent(event);
+    _pointer->leave();
+}
+
+void NoteTextView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && _pointer->isDragging()) {
+        _pointer->cancelDrag();
+        return;
+    }
+    _folding->pressKey(*event, [&] { QTextEdit::keyPressEvent(event); });
 }
 
 void NoteTextView::paintEvent(QPaintEvent* event) {
@@ -212,6 +238,11 @@ void NoteTextView::paintEvent(QPaintEvent* event) {
         viewport()->update();
     }
     QTextEdit::paintEvent(event);
+    if (_pointer->isDragging()) {
+        QPainter painter(viewport());
+        painter.translate(0, -top);
+        _pointer->paint(painter);
+    }
     if (!_placeholder.isEmpty() && document()->isEmpty() &&
         document()->firstBlock().layout()->preeditAreaText().isEmpty()) {
         paintPlaceholder(event->rect());

@@ -5,15 +5,19 @@
 #include <QTextEdit>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include "base/text_range.h"
+#include "desktop/line_moves.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
 
+class NoteFolding;
 class NoteLayout;
+class NotePointer;
 
 /// How a note's text looks: a column in the middle, its colours, the ranges that are marked, and
 /// what is pointed at beside it or between its lines.
@@ -27,6 +31,7 @@ public:
     };
 
     explicit NoteTextView(QWidget* parent = nullptr);
+    ~NoteTextView() override;
 
     void setLook(const Look& look);
     /// `column` in UTF-16 units, at most the line's length.
@@ -35,12 +40,17 @@ public:
     QRect caretPlace() const;
     /// Ranges that are marked, in order, and which of them is the current one.
     void setMatches(std::vector<base::TextRange> matches, std::optional<std::size_t> current);
+    /// Does something to text or layout, during which what is seen stays where it is.
+    void keepSight(const std::function<void()>& change);
+    NoteFolding& folding() { return *_folding; }
     /// Shown where there is no text. In the place of the base's, which knows nothing of the column.
     void setPlaceholderText(const QString& text);
 
 Q_SIGNALS:
     /// The user has clicked the box of the task in this line.
     void boxClicked(int line);
+    /// The user has dragged lines somewhere else.
+    void linesDropped(Lines lines, LineTarget target);
 
 protected:
     bool event(QEvent* event) override;
@@ -53,13 +63,15 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
-    /// Does something to text or layout, during which what is seen stays where it is.
-    void keepSight(const std::function<void()>& change);
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+    NoteLayout& noteLayout() const { return *_layout; }
+    NotePointer& pointer() const { return *_pointer; }
 
 private:
     bool forwardMarginEvent(QEvent& event);
-    int boxAt(const QMouseEvent& event) const;
-    bool pressBox(const QMouseEvent& event);
+    void onCaret();
     void paintPlaceholder(const QRect& clip);
     void measureSight();
     void layOutColumn();
@@ -68,8 +80,10 @@ private:
     void showMarkup();
 
     NoteLayout* const _layout;
+    const std::unique_ptr<NoteFolding> _folding;
+    NotePointer* const _pointer;
     int _textWidth = 720;
-    int _pressedBox = -1;
+    bool _isPressing = false;  ///< words must not move below the pointer
     QString _placeholder;
     std::vector<base::TextRange> _matches;
     std::optional<std::size_t> _currentMatch;

@@ -14,8 +14,10 @@
 
 #include "desktop/document_edits.h"
 #include "desktop/note_editor.h"
+#include "desktop/note_folding.h"
 #include "desktop/note_layout.h"
 #include "desktop/qt_text.h"
+#include "desktop/shown_editor.h"
 #include "desktop/theme.h"
 #include "desktop/window_fixture.h"
 
@@ -23,6 +25,7 @@ namespace {
 
 using namespace std::literals;
 using namespace tessaly::desktop;
+using tessaly::tests::ShownEditor;
 using tessaly::tests::WindowFixture;
 
 constexpr std::string_view pieces[] = {
@@ -55,24 +58,6 @@ std::string hostileText(std::mt19937& random, std::size_t size) {
     return text;
 }
 
-/// An editor in sight, whose column has a usual look.
-struct ShownEditor : NoteEditor {
-    ShownEditor() {
-        setLook({Theme::instance().editorFont("System", 15), 720, {}});
-        resize(600, 400);
-        show();
-    }
-    NoteLayout& layout() const { return static_cast<NoteLayout&>(*document()->documentLayout()); }
-    void draw() { grab(); }
-    /// Of the box of a task, in the viewport.
-    QPoint boxOfLine(int line) const {
-        const QRectF box = layout().boxOf(line);
-        REQUIRE_FALSE(box.isEmpty());
-        return (box.center() - QPointF(0, verticalScrollBar()->value())).toPoint();
-    }
-    void clickBox(int line) { QTest::mouseClick(viewport(), Qt::LeftButton, {}, boxOfLine(line)); }
-};
-
 /// Blocks lie one below the other without gaps, from margin to margin, whichever are measured.
 void checkStack(const ShownEditor& editor) {
     const NoteLayout& layout = editor.layout();
@@ -85,6 +70,10 @@ void checkStack(const ShownEditor& editor) {
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const QRectF area = layout.blockBoundingRect(block);
         REQUIRE(area.top() == doctest::Approx(bottom));
+        if (!block.isVisible()) {
+            REQUIRE(area.height() == 0);
+            continue;
+        }
         REQUIRE(area.height() > 10);
         REQUIRE(layout.blockAt(area.center().y()) == block.blockNumber());
         const QTextLayout& text = *block.layout();
@@ -133,7 +122,7 @@ void editAtRandom(ShownEditor& editor, std::mt19937& random) {
         default: break;
     }
     editor.setTextCursor(caret);
-    switch (random() % 9) {
+    switch (random() % 12) {
         case 0: QTest::keyClick(&editor, Qt::Key_Backspace); break;
         case 1: QTest::keyClick(&editor, Qt::Key_Delete); break;
         case 2: QTest::keyClick(&editor, Qt::Key_Return); break;
@@ -141,7 +130,10 @@ void editAtRandom(ShownEditor& editor, std::mt19937& random) {
         case 4: editor.redo(); break;
         case 5: editor.resize(260 + upTo(500), 200 + upTo(300)); break;
         case 6: QTest::keyClick(&editor, Qt::Key_QuoteLeft); break;
-        case 7: {
+        case 7: editor.folding().toggle(upTo(editor.document()->blockCount() - 1)); break;
+        case 8: editor.folding().toggleAll(); break;
+        case 9: QTest::keyClick(&editor, Qt::Key_Tab); break;
+        case 10: {
             std::string text = editor.text();
             text.insert(0, pieces[random() % std::size(pieces)]);
             editor.replaceText(text);
@@ -170,9 +162,12 @@ TEST_CASE("blocks stack without gaps, whatever is done to the text") {
         for (int round = 0; round < 6; ++round) {
             for (int i = 0; i < 8; ++i) {
                 editAtRandom(editor, random);
+                CHECK(editor.textCursor().block().isVisible());
             }
             checkStack(editor);
         }
+        editor.layout().changeFolds([](NoteFolds& folds) { return folds.unfoldAll(); });
+        editor.layout().tellSize();
         checkLikeNew(editor);
     }
 }
