@@ -37,8 +37,8 @@ std::size_t behindRun(std::string_view text, std::size_t at) {
     return std::min(text.find_first_not_of(text[at], at), text.size());
 }
 
-/// Words between two pairs of a sign, "~~" or "==", that touch them and no letter outside: "a==b"
-/// says something else, and so do longer rows of the sign.
+/// Words between two of a sign, such as "~~" or "*", that touch them and no letter outside: "a==b"
+/// and "2*3*4" say something else, and so do longer rows of the sign.
 InlineParts findPaired(std::string_view sign, SpanKind kind, std::string_view text) {
     InlineParts parts;
     constexpr std::size_t none = std::string_view::npos;
@@ -79,7 +79,8 @@ InlineParts findEmphasis(std::string text) {
         blankSigns(text, {part.whole.start, part.words.start});
         blankSigns(text, {part.words.end, part.whole.end});
     }
-    appendParts(parts, findMarkedParts(MarkAction::italic, SpanKind::italic, text));
+    appendParts(parts, findPaired("*", SpanKind::italic, text));
+    appendParts(parts, findPaired("_", SpanKind::italic, text));
     return parts;
 }
 

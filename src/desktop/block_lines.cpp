@@ -39,7 +39,7 @@ void styleText(const QTextBlock& block, const BlockLook& look) {
     const QTextDocument& document = *block.document();
     QTextOption option = document.defaultTextOption();
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    option.setTextDirection(block.textDirection());
+    option.setTextDirection(look.isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     text.setTextOption(option);
     text.setFormats(aroundPreedit(
         formatsOf(look.line, block.text(), look.markup, document.defaultFont()), text));
@@ -65,14 +65,13 @@ qreal indentLine(QTextLine& line, const BlockShape& shape, const TextColumn& col
 qreal layOutBlock(const QTextBlock& block, const BlockLook& look, const TextColumn& column) {
     styleText(block, look);
     QTextLayout& text = *block.layout();
-    const bool isMirrored = block.textDirection() == Qt::RightToLeft;
     const qreal whole = column.width + 2 * column.sideRoom;
     qreal bottom = look.shape.above;
     text.beginLayout();
     for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
         const qreal indent = indentLine(line, look.shape, column);
         const qreal pitch = std::max(look.shape.pitch, std::ceil(line.height()));
-        const qreal x = isMirrored ? whole - indent - line.horizontalAdvance() : indent;
+        const qreal x = look.isRightToLeft ? whole - indent - line.horizontalAdvance() : indent;
         line.setPosition({x, bottom + std::floor((pitch - line.height()) / 2)});
         bottom += pitch;
     }

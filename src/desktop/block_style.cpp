@@ -18,6 +18,8 @@ constexpr qreal listIndent = 30;
 constexpr qreal levelIndent = 28;
 constexpr qreal quoteIndent = 18;
 constexpr qreal codeIndent = 14;
+constexpr qreal codePitch = 22;
+constexpr qreal fencePitch = 17;
 constexpr qreal listGap = 3;
 constexpr int spacesOfLevel = 4;
 
@@ -53,6 +55,10 @@ qreal linePitch(const QFont& font) {
     return std::round(font.pixelSize() * 5.0 / 3);
 }
 
+bool readsRightToLeft(const app::LineLook& line, const QString& text) {
+    return text.mid(static_cast<int>(line.marker.end())).isRightToLeft();
+}
+
 qreal levelWidth(const QFont& font) {
     return levelIndent * scaleOf(font);
 }
@@ -73,7 +79,8 @@ BlockShape shapeOf(const app::LineLook& line, const QString& text, const QFont& 
         shape.indent = std::round(quoteIndent * scale);
     } else if (isInCode(line)) {
         shape.indent = std::round(codeIndent * scale);
-        shape.pitch = std::round(22 * scale);
+        const bool isFence = line.kind == LineKind::fence;
+        shape.pitch = std::round((isFence ? fencePitch : codePitch) * scale);
         shape.prefix = 0;
     } else if (hasSigns(line)) {
         shape.indent = std::round(listIndent * scale);

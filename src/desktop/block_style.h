@@ -29,6 +29,9 @@ struct BlockLook : QTextBlockUserData {
     app::LineLook line;
     BlockShape shape;
     Markup markup = Markup::quiet;
+    /// Whether reading goes to the left: by its words, and not by the "x" of a box.
+    bool isRightToLeft = false;
+    bool opensFence = false;  ///< of a fence's two lines
 
     /// Of the block, or nothing.
     static const BlockLook* of(const QTextBlock& block);
@@ -40,6 +43,9 @@ qreal scaleOf(const QFont& font);
 qreal linePitch(const QFont& font);
 /// From a level of indentation to the next.
 qreal levelWidth(const QFont& font);
+
+/// Of the first letter that says so, behind marker and box.
+bool readsRightToLeft(const app::LineLook& line, const QString& text);
 
 /// `font` is the text's.
 BlockShape shapeOf(const app::LineLook& line, const QString& text, const QFont& font);

@@ -84,8 +84,7 @@ int LineDrag::levelFor(int before, qreal x) const {
         least = isItem(line) ? std::min(levelOf(line), most) : 0;
     }
     const qreal moved = (x - _start.x()) / levelWidth(document.defaultFont());
-    const bool isMirrored =
-        document.findBlockByNumber(_lines.first).textDirection() == Qt::RightToLeft;
+    const bool isMirrored = _layout.isRightToLeft(_lines.first);
     const int wanted = _level + static_cast<int>(std::lround(isMirrored ? -moved : moved));
     return std::clamp(wanted, least, most);
 }
@@ -106,14 +105,14 @@ void LineDrag::paint(QPainter& painter) const {
     const qreal indent = std::max(0, _level + _target.levels) * levelWidth(document.defaultFont());
     QRectF bar(first.left() + indent, std::round(y - barHeight / 2), first.width() - indent,
                barHeight);
-    if (head.textDirection() == Qt::RightToLeft) {
+    if (_layout.isRightToLeft(_lines.first)) {
         bar.moveLeft(first.left());
     }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors.accent);
     painter.drawRect(bar);
-    const qreal knob = head.textDirection() == Qt::RightToLeft ? bar.right() : bar.left();
+    const qreal knob = _layout.isRightToLeft(_lines.first) ? bar.right() : bar.left();
     painter.drawEllipse(QPointF(knob, bar.center().y()), knobRadius, knobRadius);
 }
 

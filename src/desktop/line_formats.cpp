@@ -112,21 +112,39 @@ private:
         }
         if (isOver(_line)) {
             format.setForeground(_colors.text2);
-            format.setFontStrikeOut(_line.state == TodoType::cancelled);
         }
         add(whole(), format);
+        if (isOver(_line) && _line.state == TodoType::cancelled) {
+            QTextCharFormat struck;
+            struck.setFontStrikeOut(true);
+            const std::size_t start = _line.marker.end();
+            add({start, static_cast<std::size_t>(_text.size()) - start}, struck);
+        }
     }
 
     void addMarker() {
         if (_line.kind == LineKind::rule) {
             add(whole(), markupFormat());
+        } else if (_line.kind == LineKind::fence) {
+            add({0, fenceSigns()}, markupFormat());
         } else if (_line.kind == LineKind::numbered) {
             add(_line.marker, colored(_colors.text2));
         } else {
-            QTextCharFormat format = markupFormat();
-            format.setFontStrikeOut(false);
-            add(_line.marker, format);
+            add(_line.marker, markupFormat());
         }
+    }
+
+    /// With the white space before them. The word for the language behind them stays.
+    std::size_t fenceSigns() const {
+        qsizetype end = 0;
+        while (end < _text.size() && _text[end].isSpace()) {
+            ++end;
+        }
+        const QChar sign = end < _text.size() ? _text[end] : QChar();
+        while (end < _text.size() && _text[end] == sign) {
+            ++end;
+        }
+        return static_cast<std::size_t>(end);
     }
 
     void addSpan(const app::LookSpan& span) {

@@ -25,7 +25,7 @@ constexpr qreal dotRadius = 1.2;
 constexpr qreal dotPitch = 4.5;
 
 bool isMirrored(const PaintedBlock& painted) {
-    return painted.block.textDirection() == Qt::RightToLeft;
+    return painted.look.isRightToLeft;
 }
 
 QString markText(const PaintedBlock& painted) {

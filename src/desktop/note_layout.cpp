@@ -130,6 +130,11 @@ QRectF NoteLayout::handleOf(int number) const {
     return look != nullptr ? handlePlace(paintedBlock(block, *look)) : QRectF();
 }
 
+bool NoteLayout::isRightToLeft(int number) const {
+    const BlockLook* look = lookOf(document()->findBlockByNumber(number));
+    return look != nullptr && look->isRightToLeft;
+}
+
 QRectF NoteLayout::foldMarkOf(int number) const {
     const QTextBlock block = document()->findBlockByNumber(number);
     const BlockLook* look = lookOf(block);
@@ -316,6 +321,8 @@ void NoteLayout::ensure(const QTextBlock& block) const {
     auto look = std::make_unique<BlockLook>();
     look->line = app::lineLook(utf8(block.text()), before, _markers);
     look->markup = number == _shownMarkup ? Markup::shown : Markup::quiet;
+    look->isRightToLeft = readsRightToLeft(look->line, block.text());
+    look->opensFence = before == app::FenceState::outside;
     look->shape = shapeOf(look->line, block.text(), document()->defaultFont());
     look->shape.indent = std::min(look->shape.indent, columnWidth() / 2);
     const double height = _heights.height(number);

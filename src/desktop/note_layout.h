@@ -50,6 +50,7 @@ public:
     int boxAt(const QPointF& place) const;
     /// Where the box of a task is drawn; empty: there is none.
     QRectF boxOf(int block) const;
+    bool isRightToLeft(int block) const;
     /// Before the line: what folds it, and what it is moved by. Empty: the line has none.
     QRectF handleOf(int block) const;
     /// Behind a folded line: how much it hides; empty: it is not folded.

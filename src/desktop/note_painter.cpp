@@ -25,6 +25,7 @@ constexpr qreal dotBefore = 18.5;
 constexpr qreal groundHeight = 21;
 constexpr qreal groundRadius = 5;
 constexpr qreal groundRoom = 4;
+constexpr qreal codeRadius = 7;
 constexpr qreal lineEndWidth = 5;
 
 /// In the layout, of a place in the text.
@@ -89,7 +90,7 @@ public:
     }
 
 private:
-    bool isMirrored() const { return _painted.block.textDirection() == Qt::RightToLeft; }
+    bool isMirrored() const { return _painted.look.isRightToLeft; }
     bool isQuiet() const { return _painted.look.markup == Markup::quiet; }
 
     QRectF mirrored(const QRectF& place) const { return mirroredIn(_painted, place); }
@@ -107,8 +108,10 @@ private:
     void paintBlockGround() {
         const QRectF& area = _painted.area;
         _painter.setPen(Qt::NoPen);
-        if (_line.kind == LineKind::code || _line.kind == LineKind::fence) {
+        if (_line.kind == LineKind::code) {
             _painter.fillRect(area, _colors.codeBack);
+        } else if (_line.kind == LineKind::fence) {
+            paintFenceGround();
         } else if (_line.kind == LineKind::quote) {
             const qreal x = area.left() + _painted.look.shape.indent - 18 * _scale;
             _painter.fillRect(mirrored({x, area.top(), 3, area.height()}), _colors.line);
@@ -116,6 +119,20 @@ private:
             _painter.fillRect(QRectF(area.left(), std::round(area.center().y()), area.width(), 1),
                               _colors.line);
         }
+    }
+
+    /// Round where the code begins and ends.
+    void paintFenceGround() {
+        const QRectF& area = _painted.area;
+        const bool isOpening = _painted.look.opensFence;
+        _painter.save();
+        _painter.setClipRect(area, Qt::IntersectClip);
+        _painter.setRenderHint(QPainter::Antialiasing);
+        _painter.setBrush(_colors.codeBack);
+        _painter.drawRoundedRect(
+            area.adjusted(0, isOpening ? 0 : -codeRadius, 0, isOpening ? codeRadius : 0), codeRadius,
+            codeRadius);
+        _painter.restore();
     }
 
     void paintGround(const app::LookSpan& span) {
@@ -182,7 +199,8 @@ private:
             return;
         }
         if (hasBox(_line)) {
-            paintTaskBox(_painter, taskBoxOf(_painted), _line.state, _painted.isBoxHovered);
+            paintTaskBox(_painter, taskBoxOf(_painted), _line.state, _painted.isBoxHovered,
+                         _line.kind == LineKind::checklist ? BoxShape::square : BoxShape::circle);
         } else if (_line.kind == LineKind::bullet) {
             const QRectF line = lineArea(0);
             const qreal x = _painted.area.left() + _painted.look.shape.indent - dotBefore * _scale;
@@ -247,7 +265,7 @@ QRectF taskBoxOf(const PaintedBlock& painted) {
     const qreal size = std::round(boxSize * scale);
     const QTextLine line = text.lineAt(0);
     const qreal before = painted.look.shape.indent - boxBefore * scale;
-    const bool isMirrored = painted.block.textDirection() == Qt::RightToLeft;
+    const bool isMirrored = painted.look.isRightToLeft;
     const qreal x =
         isMirrored ? painted.area.right() - before - size : painted.area.left() + before;
     const qreal y = painted.area.top() + line.y() + (line.height() - size) / 2;

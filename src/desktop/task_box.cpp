@@ -10,7 +10,10 @@
 namespace tessaly::desktop {
 namespace {
 
-// The signs are drawn in a box from (0, 0) to (17, 17).
+// All is drawn in a box from (0, 0) to (17, 17).
+constexpr QRectF outline(0.8, 0.8, 15.4, 15.4);
+constexpr double squareRadius = 4.5;
+
 QPainterPath signOfState(grammar::TodoType state) {
     QPainterPath path;
     switch (state) {
@@ -36,7 +39,8 @@ QPainterPath signOfState(grammar::TodoType state) {
 
 }  // namespace
 
-void paintTaskBox(QPainter& painter, const QRectF& box, grammar::TodoType state, bool hovered) {
+void paintTaskBox(QPainter& painter, const QRectF& box, grammar::TodoType state, bool hovered,
+                  BoxShape shape) {
     using grammar::TodoType;
     const Colors& colors = Theme::instance().colors();
     const bool isDone = state == TodoType::done;
@@ -54,7 +58,8 @@ void paintTaskBox(QPainter& painter, const QRectF& box, grammar::TodoType state,
     painter.translate(isMirrored ? -17 : 0, 0);
     painter.setPen(QPen(ring, 1.6));
     painter.setBrush(isDone ? QBrush(ring) : QBrush(Qt::NoBrush));
-    painter.drawEllipse(QRectF(0.8, 0.8, 15.4, 15.4));
+    const double radius = shape == BoxShape::circle ? outline.width() / 2 : squareRadius;
+    painter.drawRoundedRect(outline, radius, radius);
     if (state != TodoType::open || hovered) {
         const QColor sign = isDone ? colors.onAccent : ring;
         painter.setPen(QPen(sign, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

@@ -19,9 +19,12 @@ class QPainter;
 
 namespace tessaly::desktop {
 
-/// The circle of a task, in the look of its state: empty, ticked, crossed out, sent on. `box` is
+/// A task's is a circle; an item's that is a task by its box alone is a square.
+enum class BoxShape { circle, square };
+/// The box of a task, in the look of its state: empty, ticked, crossed out, sent on. `box` is
 /// 17 px square wherever there is room; a smaller one is drawn to scale.
-void paintTaskBox(QPainter& painter, const QRectF& box, grammar::TodoType state, bool hovered);
+void paintTaskBox(QPainter& painter, const QRectF& box, grammar::TodoType state, bool hovered,
+                  BoxShape shape = BoxShape::circle);
 
 /// One row of a list of days: a heading, a task, or a sentence where there are none.
 struct TaskRow {

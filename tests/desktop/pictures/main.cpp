@@ -70,7 +70,14 @@ int paint(const Arguments& arguments) {
     platform::JsonUserDefaults state{services.ports().folders.state + "/window.json"};
     Theme::instance().apply(arguments.looks.front().look);
     pictures::Stage stage{services, state, arguments.pictures, arguments.ending, arguments.looks};
-    for (const auto& view : arguments.isDemo ? pictures::demoViews() : pictures::emptyViews()) {
+    std::vector<pictures::View> views = pictures::emptyViews();
+    if (arguments.isDemo) {
+        // The last of the demo's ends all writing.
+        views = pictures::editorViews();
+        const auto more = pictures::demoViews();
+        views.insert(views.end(), more.begin(), more.end());
+    }
+    for (const auto& view : views) {
         if (arguments.views.empty() || arguments.views.contains(QLatin1String(view.name))) {
             view.show(stage);
         }

@@ -55,6 +55,7 @@ struct View {
     void (*show)(Stage& stage);
 };
 std::vector<View> demoViews();   ///< of a planner that is in use
+std::vector<View> editorViews();  ///< of a note that holds everything
 std::vector<View> emptyViews();  ///< of one that has just been begun
 
 }  // namespace tessaly::pictures
