@@ -83,7 +83,8 @@ public:
         }
         paintMarker();
         _painter.setPen(_context.palette.color(QPalette::Text));
-        _text.draw(&_painter, {});  // stands at its own place
+        // Stands at its own place. Of a long line, most is out of sight.
+        _text.draw(&_painter, {}, {}, _context.clip);
         paintHandle(_painter, _painted);
         paintFoldMark(_painter, _painted);
         paintCaret();

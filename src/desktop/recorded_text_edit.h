@@ -45,7 +45,7 @@ public:
 
     /// In UTF-16 units; a key in a line of that length takes some 50 ms. What would make a longer
     /// one is not done.
-    static constexpr int longestLine = 64'000;
+    static constexpr int longestLine = 160'000;
 
 Q_SIGNALS:
     /// The user, undo or redo have changed the text; not said of `setText` and `replaceText`.
