@@ -91,6 +91,8 @@ constexpr std::array allCommands{
     CommandRow{CommandId::findPrevious, "findPrevious", Group::edit, Need::nothing,
                N_("Find Previous"), "Shift+F3 Ctrl+Shift+G"},
     CommandRow{CommandId::replace, "replace", Group::edit, Need::text, N_("Replace…"), "Ctrl+H"},
+    CommandRow{CommandId::openLink, "openLink", Group::edit, Need::text, N_("Open Link"),
+               "Ctrl+Shift+O", "", N_("Opens the link or picture that the caret is in")},
 
     CommandRow{CommandId::markBold, "markBold", Group::format, Need::text, N_("Bold"), "Ctrl+B", "",
                "", Mark::bold},

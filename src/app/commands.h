@@ -53,6 +53,7 @@ enum class CommandId {
     findNext,
     findPrevious,
     replace,
+    openLink,  // that the caret is in
     // Format: the editor's marks
     markBold,
     markItalic,

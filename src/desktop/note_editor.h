@@ -11,6 +11,8 @@
 #include "editor/editor_commands.h"
 #include "editor/mark_action.h"
 
+class QMenu;
+
 namespace tessaly::desktop {
 
 /// Edits a plain text: lists go on by themselves, every gesture is one undo step, and typing is one
@@ -69,6 +71,8 @@ private:
     LinesText selectedLinesText() const;
     /// An edit of the text that begins at `start`.
     void make(editor::Edit change, int start);
+    void addLinkActions(QMenu& menu, const QContextMenuEvent& event);
+
     TypingRun _run;
     editor::MarkSettings _markSettings;
 };

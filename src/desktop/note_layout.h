@@ -2,12 +2,16 @@
 #pragma once
 
 #include <QAbstractTextDocumentLayout>
+#include <QPointer>
 #include <QRectF>
 #include <optional>
+#include <string>
 
 #include "desktop/block_heights.h"
 #include "desktop/block_style.h"
 #include "desktop/fence_states.h"
+#include "desktop/note_images.h"
+#include "desktop/table_layout.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
@@ -25,6 +29,12 @@ public:
     void setMarkers(const grammar::MarkerSettings& markers);
     /// Colours or fonts have changed.
     void restyle();
+    /// Where pictures come from; null, or gone: none are shown.
+    void setImages(NoteImages* images);
+    /// Of the view, of which a picture takes no more than a part.
+    void setViewHeight(qreal height);
+    /// More is known of a picture below the folder of images.
+    void forgetPicture(const std::string& name);
     /// The block whose markup is shown; -1: none.
     void setShownMarkup(int block);
     /// The block whose box the pointer is on; -1: none.
@@ -38,6 +48,8 @@ public:
     int boxAt(const QPointF& place) const;
     /// Where the box of a task is drawn; empty: there is none.
     QRectF boxOf(int block) const;
+    /// The column of text in it.
+    QRectF columnOf(const QTextBlock& block) const;
     /// Tells how large the document is at once, which is otherwise told once a turn.
     void tellSize();
 
@@ -61,17 +73,21 @@ private:
     /// How high it is.
     qreal layOut(const QTextBlock& block, const BlockLook& look) const;
     qreal columnWidth() const;
-    QRectF columnOf(const QTextBlock& block) const;
+    void addOtherLooks(const QTextBlock& block, BlockLook& look) const;
+    void forgetBlocksWithPictures(const std::string* name);
     void askForSize() const;
     void repaint(int block);
 
     // What is found out when it is asked for.
     mutable BlockHeights _heights;
     mutable FenceStates _fences;
+    mutable TableLayout _tables;
     mutable bool _isStyling = false;
     mutable bool _hasOtherSize = false;
 
     grammar::MarkerSettings _markers;
+    QPointer<NoteImages> _images;
+    qreal _viewHeight = 600;
     qreal _sideRoom = 24;
     int _shownMarkup = -1;
     int _hoveredBox = -1;

@@ -8,11 +8,14 @@
 #include <optional>
 #include <vector>
 
+#include "app/line_look.h"
 #include "base/text_range.h"
+#include "desktop/note_links.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
 
+class NoteImages;
 class NoteLayout;
 
 /// How a note's text looks: a column in the middle, its colours, the ranges that are marked, and
@@ -35,15 +38,22 @@ public:
     QRect caretPlace() const;
     /// Ranges that are marked, in order, and which of them is the current one.
     void setMatches(std::vector<base::TextRange> matches, std::optional<std::size_t> current);
+    /// Shows pictures below their lines, while there is `images`.
+    void setImages(NoteImages& images);
+    /// Opens the link that the caret is in or beside; false: there is none.
+    bool openLinkAtCaret();
     /// Shown where there is no text. In the place of the base's, which knows nothing of the column.
     void setPlaceholderText(const QString& text);
 
 Q_SIGNALS:
     /// The user has clicked the box of the task in this line.
     void boxClicked(int line);
+    /// The user wants to go where a link leads, or to see a picture by itself.
+    void linkOpened(const tessaly::app::LookSpan& link);
 
 protected:
     bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -53,6 +63,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    /// The link or picture at a place of the viewport.
+    std::optional<ShownLink> linkOrPictureAt(const QPointF& place) const;
     /// Does something to text or layout, during which what is seen stays where it is.
     void keepSight(const std::function<void()>& change);
 
@@ -60,6 +72,14 @@ private:
     bool forwardMarginEvent(QEvent& event);
     int boxAt(const QMouseEvent& event) const;
     bool pressBox(const QMouseEvent& event);
+    QPointF inDocument(const QPointF& place) const;
+    /// That a click opens.
+    std::optional<ShownLink> openableAt(const QPointF& place,
+                                        Qt::KeyboardModifiers modifiers) const;
+    bool pressLink(const QMouseEvent& event);
+    bool releaseLink(QMouseEvent& event);
+    void showPointer(const QMouseEvent& event);
+    void refreshPicture(const QString& name);
     void paintPlaceholder(const QRect& clip);
     void measureSight();
     void layOutColumn();
@@ -70,6 +90,7 @@ private:
     NoteLayout* const _layout;
     int _textWidth = 720;
     int _pressedBox = -1;
+    LinkPress _linkPress;
     QString _placeholder;
     std::vector<base::TextRange> _matches;
     std::optional<std::size_t> _currentMatch;
