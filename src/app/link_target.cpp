@@ -18,7 +18,7 @@ namespace tessaly::app {
 
 namespace {
 
-using Kind = LinkTarget::Kind;
+using LinkKind = LinkTarget::Kind;
 
 constexpr std::string_view webSchemes[] = {"http", "https", "mailto"};
 constexpr std::string_view ownScheme = "tessaly";
@@ -61,6 +61,14 @@ bool holdsControls(std::string_view text) {
                        [](unsigned char c) { return c < 0x20 || c == 0x7F; });
 }
 
+/// Some mail programs take files along that an address names.
+bool asksForFiles(const std::string& scheme, std::string_view rest) {
+    const std::size_t query = rest.find('?');
+    return scheme == "mailto" && query != rest.npos &&
+           base::lowerCased(percentDecoded(rest.substr(query)).value_or("attach")).find("attach") !=
+               std::string::npos;
+}
+
 LinkTarget webTarget(const std::string& scheme, std::string_view address) {
     const std::string_view rest = address.substr(scheme.size() + 1);
     const bool hasHost = scheme == "mailto"
@@ -70,7 +78,10 @@ LinkTarget webTarget(const std::string& scheme, std::string_view address) {
     if (!hasHost || holdsControls(address)) {
         return refusedLink(fmt::format(fmt::runtime(base::tr("“{}” is no address.")), address));
     }
-    return {Kind::web, scheme + std::string(address.substr(scheme.size())), {}};
+    if (asksForFiles(scheme, rest)) {
+        return refusedLink(base::tr("The link asks for a file to be sent along."));
+    }
+    return {LinkKind::web, scheme + std::string(address.substr(scheme.size())), {}};
 }
 
 LinkTarget noText() {
@@ -115,7 +126,7 @@ LinkTarget targetOfPath(std::string_view path) {
     const std::string images = std::string(base::folderName(base::NoteType::images)) + '/';
     if (decoded->starts_with(images) || decoded->find("../" + images) != std::string::npos) {
         if (auto picture = pictureFile(path)) {
-            return {Kind::picture, *std::move(picture), {}};
+            return {LinkKind::picture, *std::move(picture), {}};
         }
     }
     return targetOfNoteFile(*decoded);
@@ -138,13 +149,13 @@ LinkTarget targetOfAddress(std::string_view target) {
 LinkTarget targetOfTitle(const std::string& title) {
     const auto day = base::dayFromTagText(title);
     const auto calendarDay = day ? day : base::dayFromFileText(title);
-    return calendarDay ? LinkTarget{Kind::day, {}, *calendarDay}
-                       : LinkTarget{Kind::noteTitle, title, {}};
+    return calendarDay ? LinkTarget{LinkKind::day, {}, *calendarDay}
+                       : LinkTarget{LinkKind::noteTitle, title, {}};
 }
 
 LinkTarget targetOfImage(const std::string& target) {
     if (auto picture = pictureFile(target)) {
-        return {Kind::picture, *std::move(picture), {}};
+        return {LinkKind::picture, *std::move(picture), {}};
     }
     return targetOfAddress(target);
 }

@@ -11,27 +11,27 @@ namespace tessaly::app {
 namespace {
 
 /// How well a note answers to a name; the first are the best.
-enum class Fit { title, file, titleInOtherCase, fileInOtherCase, none };
+enum class NameFit { title, file, titleInOtherCase, fileInOtherCase, none };
 
-class NoteName {
+class SoughtName {
 public:
-    explicit NoteName(std::string_view name)
+    explicit SoughtName(std::string_view name)
         : _name(base::nfc(name)), _folded(base::foldedForNames(name)) {}
 
-    Fit fitOf(const store::LoadedNote& note) const {
+    NameFit fitOf(const store::LoadedNote& note) const {
         const std::string_view filename = note.filename;
         const std::string_view path = filename.substr(0, filename.rfind('.'));
         const std::string_view file = path.substr(path.rfind('/') + 1);
         if (isName(note.title)) {
-            return Fit::title;
+            return NameFit::title;
         }
         if (isName(path) || isName(file)) {
-            return Fit::file;
+            return NameFit::file;
         }
         if (isFolded(note.title)) {
-            return Fit::titleInOtherCase;
+            return NameFit::titleInOtherCase;
         }
-        return isFolded(path) || isFolded(file) ? Fit::fileInOtherCase : Fit::none;
+        return isFolded(path) || isFolded(file) ? NameFit::fileInOtherCase : NameFit::none;
     }
 
 private:
@@ -52,15 +52,15 @@ private:
 }  // namespace
 
 std::optional<std::string> noteOfTitle(const store::GeneralNotes& notes, std::string_view title) {
-    const NoteName name(base::trimmed(title));
+    const SoughtName name(base::trimmed(title));
     const store::LoadedNote* best = nullptr;
-    Fit bestFit = Fit::none;
+    NameFit bestFit = NameFit::none;
     notes.forEach([&](const store::GeneralNotes::Pointer& each) {
         const store::LoadedNote& note = each->note;
-        const Fit fit = note.isFolder ? Fit::none : name.fitOf(note);
+        const NameFit fit = note.isFolder ? NameFit::none : name.fitOf(note);
         const bool isLater =
             best != nullptr && fit == bestFit && note.contentChangedDate > best->contentChangedDate;
-        if (fit != Fit::none && (fit < bestFit || isLater)) {
+        if (fit != NameFit::none && (fit < bestFit || isLater)) {
             best = &note;
             bestFit = fit;
         }

@@ -22,7 +22,7 @@ namespace tessaly::app {
 
 namespace {
 
-using Kind = LinkTarget::Kind;
+using LinkKind = LinkTarget::Kind;
 
 constexpr std::string_view afterHost = "//x-callback-url/";
 constexpr std::string_view ownActions[] = {"addText", "addNote", "deleteNote", "allowAccess",
@@ -67,7 +67,7 @@ LinkTarget incomplete() {
 LinkTarget targetOfDate(const std::string& text) {
     const auto day = base::dayFromFileText(text);
     const auto taggedDay = day ? day : base::dayFromTagText(text);
-    return taggedDay ? LinkTarget{Kind::day, {}, *taggedDay}
+    return taggedDay ? LinkTarget{LinkKind::day, {}, *taggedDay}
                      : refusedLink(fmt::format(fmt::runtime(base::tr("“{}” is no day.")), text));
 }
 
@@ -79,7 +79,7 @@ LinkTarget noteTarget(const std::vector<QueryItem>& items) {
         return targetOfNoteFile(*file);
     }
     const std::string* title = valueOf(items, "noteTitle", "notetitle");
-    return title != nullptr ? LinkTarget{Kind::noteTitle, *title, {}} : incomplete();
+    return title != nullptr ? LinkTarget{LinkKind::noteTitle, *title, {}} : incomplete();
 }
 
 LinkTarget tagTarget(const std::vector<QueryItem>& items) {
@@ -95,7 +95,7 @@ LinkTarget tagTarget(const std::vector<QueryItem>& items) {
             return refusedLink(fmt::format(fmt::runtime(base::tr("“{}” is no tag.")), tag));
         }
     }
-    return {Kind::tag, std::move(tag), {}};
+    return {LinkKind::tag, std::move(tag), {}};
 }
 
 LinkTarget searchTarget(const std::vector<QueryItem>& items) {
@@ -106,7 +106,7 @@ LinkTarget searchTarget(const std::vector<QueryItem>& items) {
     std::string line = *text;
     std::replace_if(
         line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-    return {Kind::search, std::move(line), {}};
+    return {LinkKind::search, std::move(line), {}};
 }
 
 struct ActionRow {
@@ -134,7 +134,7 @@ std::string_view withoutFolder(std::string_view filename, base::NoteType type) {
 }  // namespace
 
 LinkTarget refusedLink(std::string reason) {
-    return {Kind::refused, std::move(reason), {}};
+    return {LinkKind::refused, std::move(reason), {}};
 }
 
 LinkTarget targetOfNoteFile(std::string_view filename) {
@@ -144,12 +144,12 @@ LinkTarget targetOfNoteFile(std::string_view filename) {
     }
     const std::string_view inCalendar = withoutFolder(filename, base::NoteType::calendar);
     if (const auto day = store::dayOfCalendarFilename(inCalendar)) {
-        return {Kind::day, {}, *day};
+        return {LinkKind::day, {}, *day};
     }
     if (inCalendar != filename) {
         return refusedLink(fmt::format(fmt::runtime(base::tr("“{}” is no day.")), inCalendar));
     }
-    return {Kind::noteFile, std::string(withoutFolder(filename, base::NoteType::note)), {}};
+    return {LinkKind::noteFile, std::string(withoutFolder(filename, base::NoteType::note)), {}};
 }
 
 LinkTarget targetOfPlannerAddress(std::string_view address) {

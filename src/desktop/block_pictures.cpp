@@ -19,10 +19,10 @@ namespace tessaly::desktop {
 namespace {
 
 using app::SpanKind;
-using State = NoteImages::Look::State;
+using PictureState = NoteImages::Look::State;
 
 constexpr qreal roomAround = 6;
-constexpr qreal cornerRadius = 6;
+constexpr qreal pictureRadius = 6;
 constexpr int problemSize = 13;
 constexpr qreal problemPitch = 22;
 constexpr float selectedOpacity = 0.35F;
@@ -60,15 +60,15 @@ QFont problemFont(const QFont& font) {
 bool measurePicture(BlockPicture& picture, NoteImages& images, const PictureRoom& room,
                     const QFont& font) {
     const NoteImages::Look& look = images.look(picture.name);
-    if (look.state == State::shown) {
+    if (look.state == PictureState::shown) {
         picture.place.setSize(fittingSize(look.size, room));
-    } else if (look.state == State::refused) {
+    } else if (look.state == PictureState::refused) {
         picture.problem = look.problem;
         const qreal words = QFontMetricsF(problemFont(font)).horizontalAdvance(look.problem);
         picture.place.setSize(
             {std::min(room.width, std::ceil(words) + 1), std::round(problemPitch * scaleOf(font))});
     }
-    return look.state != State::awaited;
+    return look.state != PictureState::awaited;
 }
 
 void hideText(BlockLook& look, const QString& text) {
@@ -90,7 +90,7 @@ void paintImage(QPainter& painter, const QRectF& place, const QImage& image) {
                 .scale(place.width() / image.width(), place.height() / image.height()));
     }
     painter.setBrush(brush);
-    painter.drawRoundedRect(frameOf(place), cornerRadius, cornerRadius);
+    painter.drawRoundedRect(frameOf(place), pictureRadius, pictureRadius);
 }
 
 /// As far as it lies in what is selected.
@@ -178,11 +178,11 @@ void paintPictures(QPainter& painter, const PaintedBlock& painted, NoteImages& i
             QColor over = colors.accent;
             over.setAlphaF(selectedOpacity);
             painter.setBrush(over);
-            painter.drawRoundedRect(frameOf(place), cornerRadius, cornerRadius);
+            painter.drawRoundedRect(frameOf(place), pictureRadius, pictureRadius);
         }
         painter.setPen(QPen(colors.line, 1));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(frameOf(place), cornerRadius, cornerRadius);
+        painter.drawRoundedRect(frameOf(place), pictureRadius, pictureRadius);
     }
     painter.restore();
 }

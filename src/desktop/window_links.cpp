@@ -19,7 +19,7 @@ WindowLinks::WindowLinks(app::Services& services, QObject* parent)
 void WindowLinks::open(const app::LookSpan& link) {
     const LinkTarget target = app::linkTarget(link);
     switch (target.kind) {
-        case LinkTarget::Kind::web: return openAddress(QUrl(qt(target.text)));
+        case LinkTarget::Kind::web: return openAddress(qt(target.text));
         case LinkTarget::Kind::noteTitle: return openTitle(target.text);
         case LinkTarget::Kind::noteFile: return openFile(target.text);
         case LinkTarget::Kind::day: Q_EMIT placeChosen(Place::ofDay(target.day)); return;
@@ -30,9 +30,10 @@ void WindowLinks::open(const app::LookSpan& link) {
     }
 }
 
-void WindowLinks::openAddress(const QUrl& address) {
+void WindowLinks::openAddress(const QString& text) {
+    const QUrl address(text);
     if (!address.isValid() || !_openAddress(address)) {
-        Q_EMIT refused(trText("No program opened %1").arg(address.toDisplayString()));
+        Q_EMIT refused(trText("No program opened %1").arg(text));
     }
 }
 
@@ -73,7 +74,7 @@ void WindowLinks::openPicture(const std::string& name) {
     } else if (*kind != ports::FolderEntry::Kind::file || !ImageFile::isNamedLikePicture(name)) {
         Q_EMIT refused(trText("“%1” is no picture.").arg(qt(name)));
     } else {
-        openAddress(QUrl::fromLocalFile(qt(*path)));
+        openAddress(QUrl::fromLocalFile(qt(*path)).toString(QUrl::FullyEncoded));
     }
 }
 

@@ -37,7 +37,7 @@ Q_SIGNALS:
     void noteMissing(const QString& text, const QString& title);
 
 private:
-    void openAddress(const QUrl& address);
+    void openAddress(const QString& text);
     void openTitle(const std::string& title);
     void openFile(const std::string& filename);
     void openPicture(const std::string& name);

@@ -78,6 +78,8 @@ TEST_CASE("web addresses are opened, and of other schemes none") {
                      {"https:///etc/passwd", "no"},
                      {"https:example.org", "no"},
                      {"mailto:", "no"},
+                     {"mailto:a@b?subject=x", "web mailto:a@b?subject=x"},
+                     {"mailto:a@b?subject=x&%41ttach=/etc/passwd", "no"},
                      {"https://example.org/\x01", "no"},
                      {"https://example.org/\xff", "no"},
                      {"file:///etc/passwd", "no"},

@@ -39,6 +39,16 @@ std::string pngOf(int width, int height, const QColor& color = Qt::red) {
     return bytes.toStdString();
 }
 
+/// The head of a picture whose pixels would take more memory than there is to be had.
+std::string headOfHugePicture() {
+    std::string head = pngOf(1, 1);
+    // 20,000 both ways, with what follows up to the sum over it.
+    constexpr std::string_view sizes =
+        "\x00\x00\x4e\x20\x00\x00\x4e\x20\x08\x02\x00\x00\x00\x6c\x12\xd1\x6e"sv;
+    head.replace(16, sizes.size(), sizes);
+    return head;
+}
+
 /// A note on Tuesday, in whose first line the caret stands.
 struct PictureFixture : WindowFixture {
     explicit PictureFixture(std::string_view text) {
@@ -48,6 +58,9 @@ struct PictureFixture : WindowFixture {
         write("Images/small.png", pngOf(60, 40));
         write("Images/broken.png", pngOf(60, 40).substr(0, 60));
         write("Images/text.png", "no picture");
+        write("Images/huge.png", headOfHugePicture());
+        write("Images/long.png", "");
+        std::filesystem::resize_file(home() / "planner/Images/long.png", NoteImages::mostBytes + 1);
         home().write("outside.png", pngOf(9, 9));
         std::filesystem::create_symlink(home() / "outside.png",
                                         home() / "planner/Images/outside.png");
@@ -121,7 +134,8 @@ TEST_CASE("a picture takes a part of the view's height alone") {
 TEST_CASE("in the place of what is no picture, words tell why") {
     PictureFixture fixture(
         "first\n![a](gone.png)\n![b](broken.png)\n![c](text.png)\n![d](drawing.svg)\n"
-        "![e](https://example.org/x.png)\n![f](../../x.png)\n![g](outside.png)");
+        "![e](https://example.org/x.png)\n![f](../../x.png)\n![g](outside.png)\n"
+        "![h](huge.png)\n![i](long.png)");
     fixture.write("Images/drawing.svg",
                   "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
     CHECK(fixture.picture(1).problem == QStringLiteral("“gone.png” is missing."));
@@ -131,6 +145,12 @@ TEST_CASE("in the place of what is no picture, words tell why") {
         CHECK(until([&] {
             fixture.editor().grab();
             return fixture.picture(line).problem.endsWith(QStringLiteral("cannot be shown."));
+        }));
+    }
+    for (const int line : {8, 9}) {
+        CAPTURE(line);
+        CHECK(until([&] {
+            return fixture.picture(line).problem.endsWith(QStringLiteral("too large to be shown."));
         }));
     }
     for (const int line : {5, 6}) {
