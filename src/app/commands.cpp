@@ -95,6 +95,8 @@ constexpr std::array allCommands{
                "Alt+F", "", N_("Hides what belongs to a heading or item, or shows it again")},
     CommandRow{CommandId::foldAll, "foldAll", Group::edit, Need::text, N_("Fold or Unfold All"),
                "Alt+Shift+F"},
+    CommandRow{CommandId::openLink, "openLink", Group::edit, Need::text, N_("Open Link"),
+               "Ctrl+Shift+O", "", N_("Opens the link or picture that the caret is in")},
 
     CommandRow{CommandId::markBold, "markBold", Group::format, Need::text, N_("Bold"), "Ctrl+B", "",
                "", Mark::bold},

@@ -55,6 +55,7 @@ enum class CommandId {
     replace,
     foldLine,  // away what belongs to it, or show that again
     foldAll,
+    openLink,  // that the caret is in
     // Format: the editor's marks
     markBold,
     markItalic,

@@ -42,7 +42,8 @@ void styleText(const QTextBlock& block, const BlockLook& look) {
     option.setTextDirection(look.isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     text.setTextOption(option);
     text.setFormats(aroundPreedit(
-        formatsOf(look.line, block.text(), look.markup, document.defaultFont()), text));
+        formatsOf(look.line, block.text(), look.markup, document.defaultFont()) + look.formats,
+        text));
 }
 
 /// From the side that reading begins at; the line is as wide as there is room then.

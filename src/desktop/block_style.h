@@ -2,9 +2,14 @@
 #pragma once
 
 #include <QFont>
+#include <QList>
+#include <QRectF>
 #include <QString>
 #include <QTextBlockUserData>
+#include <QTextLayout>
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "app/line_look.h"
 
@@ -24,6 +29,14 @@ struct BlockShape {
     qreal below = 0;
 };
 
+/// A picture below the lines of a block, or the words in its place.
+struct BlockPicture {
+    std::string name;  ///< below the folder of images
+    std::size_t span;  ///< of the line, by its index
+    QRectF place;      ///< from where the text begins, and the bottom of the lines
+    QString problem;   ///< in words for the user; empty: it is shown
+};
+
 /// What a block looks like, kept with it while it is laid out.
 struct BlockLook : QTextBlockUserData {
     app::LineLook line;
@@ -32,6 +45,12 @@ struct BlockLook : QTextBlockUserData {
     /// Whether reading goes to the left: by its words, and not by the "x" of a box.
     bool isRightToLeft = false;
     bool opensFence = false;  ///< of a fence's two lines
+    /// What is added to the looks of the line, above them.
+    QList<QTextLayout::FormatRange> formats;
+    std::vector<BlockPicture> pictures;
+    /// How long the line is that is drawn in the place of the text, from where that begins; 0: none
+    /// is.
+    qreal rule = 0;
 
     /// Of the block, or nothing.
     static const BlockLook* of(const QTextBlock& block);

@@ -43,6 +43,8 @@ public:
         for (const app::LookSpan& span : _line.spans) {
             if (span.kind == SpanKind::markup || span.kind == SpanKind::address) {
                 add(span.range, markupFormat());
+            } else if (span.kind == SpanKind::image) {
+                addImageMarkup(span.range);
             }
         }
         return std::move(_formats);
@@ -75,15 +77,16 @@ private:
     }
 
     QTextCharFormat markupFormat() const {
-        QTextCharFormat format =
-            colored(_markup == Markup::shown ? _colors.text2 : Qt::transparent);
-        if (_markup == Markup::quiet) {
-            // A size that rounds to 0 would have all fonts of the system be tried.
-            format.setProperty(QTextFormat::FontPixelSize, 1);
-            format.setFontLetterSpacingType(QFont::PercentageSpacing);
-            format.setFontLetterSpacing(0.05);
+        return _markup == Markup::shown ? colored(_colors.text2) : hiddenFormat();
+    }
+
+    /// One without a title would not be seen at all.
+    void addImageMarkup(base::TextRange span) {
+        const base::TextRange title = imageTitle(_text, span);
+        if (title.length > 0) {
+            add({span.location, title.location - span.location}, markupFormat());
+            add({title.end(), span.end() - title.end()}, markupFormat());
         }
-        return format;
     }
 
     void addLine() {
@@ -231,6 +234,24 @@ private:
 };
 
 }  // namespace
+
+QTextCharFormat hiddenFormat() {
+    QTextCharFormat format;
+    format.setForeground(Qt::transparent);
+    // A size that rounds to 0 would have all fonts of the system be tried.
+    format.setProperty(QTextFormat::FontPixelSize, 1);
+    format.setFontLetterSpacingType(QFont::PercentageSpacing);
+    format.setFontLetterSpacing(0.05);
+    return format;
+}
+
+base::TextRange imageTitle(const QString& text, base::TextRange span) {
+    const std::size_t start = span.location + 2;
+    // No title holds a bracket.
+    const auto end = text.indexOf(u']', static_cast<qsizetype>(start));
+    return end < 0 ? base::TextRange{start, 0}
+                   : base::TextRange{start, static_cast<std::size_t>(end) - start};
+}
 
 QList<QTextLayout::FormatRange> formatsOf(const app::LineLook& line, const QString& text,
                                           Markup markup, const QFont& font) {

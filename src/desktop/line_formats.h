@@ -14,4 +14,10 @@ namespace tessaly::desktop {
 QList<QTextLayout::FormatRange> formatsOf(const app::LineLook& line, const QString& text,
                                           Markup markup, const QFont& font);
 
+/// Of text that is not seen, and has no width.
+QTextCharFormat hiddenFormat();
+
+/// Of an image, "![title](file)" at `span` of the text, where its title is; empty: it has none.
+base::TextRange imageTitle(const QString& text, base::TextRange span);
+
 }  // namespace tessaly::desktop

@@ -24,6 +24,7 @@
 #include "desktop/theme.h"
 #include "desktop/toast.h"
 #include "desktop/week_agenda_view.h"
+#include "desktop/window_links.h"
 #include "desktop/window_tasks.h"
 #include "store/note_names.h"
 
@@ -71,6 +72,7 @@ MainWindow::MainWindow(app::Services& services, ports::UserDefaults& stateStore)
     connectList();
     connectMiddle();
     connectRightPane();
+    connectLinks();
     bindCommands();
     connect(&Theme::instance(), &Theme::changed, this, [this] {
         _note->restyle();
@@ -252,6 +254,22 @@ void MainWindow::connectRightPane() {
     connectRows(_dayPane->rows());
     connect(_dayPane, &DayPaneView::dayChosen, this,
             [this](base::Day day) { go(app::Place::ofDay(day)); });
+}
+
+void MainWindow::connectLinks() {
+    _links = new WindowLinks(_services, this);
+    connect(_note, &NotePane::linkOpened, _links, &WindowLinks::open);
+    connect(_links, &WindowLinks::placeChosen, this, [this](const app::Place& place) {
+        go(place);
+        focusPane(Pane::middle);
+    });
+    connect(_links, &WindowLinks::listChosen, this, &MainWindow::showList);
+    connect(_links, &WindowLinks::refused, this, [this](const QString& text) { tell(text, true); });
+    connect(_links, &WindowLinks::noteMissing, this,
+            [this](const QString& text, const QString& title) {
+                _toast->offer(text, trText("Create"),
+                              [this, title] { newNote(_sideBar->currentFolder(), utf8(title)); });
+            });
 }
 
 void MainWindow::connectRows(const TaskRowsView& rows) {

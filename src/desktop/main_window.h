@@ -38,6 +38,7 @@ class StatusLine;
 class TaskRowsView;
 class Toast;
 class WeekAgendaView;
+class WindowLinks;
 class WindowTasks;
 
 /// The window of the planner: lays the panes out, and leads what the user wants in one of them to
@@ -80,6 +81,7 @@ private:
     void connectList();
     void connectMiddle();
     void connectRightPane();
+    void connectLinks();
     void connectRows(const TaskRowsView& rows);
     void restoreState();
     void keepState();
@@ -149,6 +151,7 @@ private:
     Toast* _toast = nullptr;
     CommandBar* _commandBar = nullptr;
     WindowTasks* _tasks = nullptr;
+    WindowLinks* _links = nullptr;
 
     ports::MainQueue::Timer _dayTimer = 0;
     std::atomic<bool> _isRefreshPosted = false;  ///< any thread

@@ -2,6 +2,8 @@
 #include "desktop/note_editor.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -347,6 +349,22 @@ void NoteEditor::goToLineEnd(int line) {
     setTextCursor(caret);
 }
 
+void NoteEditor::addLinkActions(QMenu& menu, const QContextMenuEvent& event) {
+    const auto link = event.reason() == QContextMenuEvent::Keyboard
+                          ? linkAtCaret(textCursor())
+                          : linkOrPictureAt(QPointF(event.pos()));
+    if (!link) {
+        return;
+    }
+    const bool isImage = link->span.kind == app::SpanKind::image;
+    menu.addAction(isImage ? trText("Open Image") : trText("Open Link"), this,
+                   [this, span = link->span] { Q_EMIT linkOpened(span); });
+    menu.addAction(trText("Copy Link Address"), this, [target = qt(link->span.target)] {
+        QApplication::clipboard()->setText(target);
+    });
+    menu.addSeparator();
+}
+
 void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Mouse && openBoxMenu(event->globalPos())) {
         return;
@@ -356,6 +374,7 @@ void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
     const auto add = [&](const QString& text, void (NoteEditor::*run)(), bool isPossible) {
         menu.addAction(text, this, run)->setEnabled(isPossible);
     };
+    addLinkActions(menu, *event);
     add(trText("Undo"), &NoteEditor::undo, canUndo());
     add(trText("Redo"), &NoteEditor::redo, canRedo());
     menu.addSeparator();

@@ -12,6 +12,8 @@
 #include "editor/editor_commands.h"
 #include "editor/mark_action.h"
 
+class QMenu;
+
 namespace tessaly::desktop {
 
 /// Edits a plain text: lists go on by themselves, every gesture is one undo step, and typing is one
@@ -73,6 +75,8 @@ private:
     bool openBoxMenu(const QPoint& place);
     void goToLineEnd(int line);
     bool moveFolded(editor::MarkAction action);
+    void addLinkActions(QMenu& menu, const QContextMenuEvent& event);
+
     TypingRun _run;
     editor::MarkSettings _markSettings;
     LinkPaste _linkPaste = LinkPaste::overWords;

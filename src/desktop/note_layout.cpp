@@ -10,7 +10,9 @@
 #include <memory>
 #include <utility>
 
+#include "app/link_target.h"
 #include "desktop/block_lines.h"
+#include "desktop/block_pictures.h"
 #include "desktop/line_handles.h"
 #include "desktop/note_painter.h"
 #include "desktop/qt_text.h"
@@ -21,13 +23,25 @@ namespace {
 
 constexpr qreal leastColumn = 60;
 constexpr QRectF everything(0, 0, 1e9, 1e9);
+constexpr qreal pictureShare = 0.6;  ///< of the view's height
+constexpr qreal leastPicture = 80;
+
+bool showsPicture(const BlockLook& look, const std::string* name) {
+    return std::any_of(look.line.spans.begin(), look.line.spans.end(), [&](const auto& span) {
+        return span.kind == app::SpanKind::image &&
+               (name == nullptr || app::pictureFile(span.target) == *name);
+    });
+}
 
 }  // namespace
 
 NoteLayout::NoteLayout(QTextDocument* document)
     : QAbstractTextDocumentLayout(document),
       _fences(*document, [this](int block) { forget(block); }),
-      _folds(*document, _fences, [this](int block) { onHidden(block); }) {
+      _folds(*document, _fences, [this](int block) { onHidden(block); }),
+      _tables(*document, [this](const QTextBlock& block) {
+          return app::lineLook(utf8(block.text()), app::FenceState::outside, _markers);
+      }) {
     // An edit that changes nothing is told of in this way alone.
     connect(document, &QTextDocument::contentsChanged, this,
             [this] { _revision = this->document()->revision(); });
@@ -46,6 +60,36 @@ void NoteLayout::setMarkers(const grammar::MarkerSettings& markers) {
 
 void NoteLayout::restyle() {
     forgetAll();
+}
+
+void NoteLayout::setImages(NoteImages* images) {
+    _images = images;
+    forgetAll();
+}
+
+void NoteLayout::setViewHeight(qreal height) {
+    if (std::exchange(_viewHeight, height) != height) {
+        forgetBlocksWithPictures(nullptr);
+    }
+}
+
+void NoteLayout::forgetPicture(const std::string& name) {
+    forgetBlocksWithPictures(&name);
+}
+
+/// Of one picture, or of all.
+void NoteLayout::forgetBlocksWithPictures(const std::string* name) {
+    if (_images == nullptr || !isKnown(0)) {
+        return;
+    }
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        const BlockLook* look = BlockLook::of(block);
+        if (look != nullptr && showsPicture(*look, name)) {
+            forget(block.blockNumber());
+        }
+    }
+    askForSize();
+    Q_EMIT update(everything);
 }
 
 void NoteLayout::setShownMarkup(int block) {
@@ -158,7 +202,8 @@ PaintedBlock NoteLayout::paintedBlock(const QTextBlock& block, const BlockLook& 
             _hoveredBox == number,
             isPointed,
             isPointed && _folds.canFold(number),
-            _folds.hiddenBy(number)};
+            _folds.hiddenBy(number),
+            _images};
 }
 
 QRectF NoteLayout::columnOf(const QTextBlock& block) const {
@@ -272,6 +317,9 @@ void NoteLayout::replaceBlocks(int first, int oldCount, int newCount) {
     _heights.replace(first, oldCount, estimates);
     _fences.replace(first, oldCount, newCount);
     _folds.replaced(first, oldCount, newCount);
+    for (const int row : _tables.neighbours(first, newCount)) {
+        _heights.forget(row);
+    }
     for (int* const told : {&_shownMarkup, &_hoveredBox, &_pointedBlock}) {
         *told += *told >= first + oldCount ? newCount - oldCount : 0;
     }
@@ -288,6 +336,7 @@ void NoteLayout::forget(int block) const {
 }
 
 void NoteLayout::forgetAll() {
+    _tables.forget();
     for (int block = 0; block < _heights.count(); ++block) {
         _heights.forget(block);
     }
@@ -325,12 +374,25 @@ void NoteLayout::ensure(const QTextBlock& block) const {
     look->opensFence = before == app::FenceState::outside;
     look->shape = shapeOf(look->line, block.text(), document()->defaultFont());
     look->shape.indent = std::min(look->shape.indent, columnWidth() / 2);
+    addOtherLooks(block, *look);
     const double height = _heights.height(number);
     _heights.setMeasured(number, static_cast<float>(layOut(block, *look)));
     // Belongs to the block from here on.
     QTextBlock(block).setUserData(look.release());
     if (height != _heights.height(number)) {
         askForSize();
+    }
+}
+
+/// What a line alone does not tell.
+void NoteLayout::addOtherLooks(const QTextBlock& block, BlockLook& look) const {
+    if (look.line.kind == app::LineLook::Kind::table) {
+        _tables.align(block, look, columnWidth());
+    }
+    if (_images != nullptr && showsPicture(look, nullptr)) {
+        const PictureRoom room{columnWidth() - look.shape.indent,
+                               std::max(leastPicture, _viewHeight * pictureShare)};
+        addPictures(look, block.text(), *_images, room, document()->defaultFont());
     }
 }
 

@@ -2,14 +2,18 @@
 #pragma once
 
 #include <QAbstractTextDocumentLayout>
+#include <QPointer>
 #include <QRectF>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "desktop/block_heights.h"
 #include "desktop/block_style.h"
 #include "desktop/fence_states.h"
 #include "desktop/note_folds.h"
+#include "desktop/note_images.h"
+#include "desktop/table_layout.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
@@ -29,6 +33,12 @@ public:
     void setMarkers(const grammar::MarkerSettings& markers);
     /// Colours or fonts have changed.
     void restyle();
+    /// Where pictures come from; null, or gone: none are shown.
+    void setImages(NoteImages* images);
+    /// Of the view, of which a picture takes no more than a part.
+    void setViewHeight(qreal height);
+    /// More is known of a picture below the folder of images.
+    void forgetPicture(const std::string& name);
     /// The block whose markup is shown; -1: none.
     void setShownMarkup(int block);
     /// The block whose box the pointer is on; -1: none.
@@ -81,6 +91,8 @@ private:
     /// How high it is.
     qreal layOut(const QTextBlock& block, const BlockLook& look) const;
     qreal columnWidth() const;
+    void addOtherLooks(const QTextBlock& block, BlockLook& look) const;
+    void forgetBlocksWithPictures(const std::string* name);
     void askForSize() const;
     void repaint(int block);
     void repaintChanged(int& told, int block);
@@ -89,10 +101,13 @@ private:
     mutable BlockHeights _heights;
     mutable FenceStates _fences;
     NoteFolds _folds;
+    mutable TableLayout _tables;
     mutable bool _isStyling = false;
     mutable bool _hasOtherSize = false;
 
     grammar::MarkerSettings _markers;
+    QPointer<NoteImages> _images;
+    qreal _viewHeight = 600;
     qreal _sideRoom = 24;
     int _shownMarkup = -1;
     int _hoveredBox = -1;

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <vector>
 
+#include "desktop/block_pictures.h"
 #include "desktop/line_handles.h"
 #include "desktop/task_rows.h"
 #include "desktop/theme.h"
@@ -82,6 +83,9 @@ public:
             paintSelection(selection);
         }
         paintMarker();
+        if (_painted.images != nullptr) {
+            paintPictures(_painter, _painted, *_painted.images, _context);
+        }
         _painter.setPen(_context.palette.color(QPalette::Text));
         // Stands at its own place. Of a long line, most is out of sight.
         _text.draw(&_painter, {}, {}, _context.clip);
@@ -116,6 +120,10 @@ private:
         } else if (_line.kind == LineKind::quote) {
             const qreal x = area.left() + _painted.look.shape.indent - 18 * _scale;
             _painter.fillRect(mirrored({x, area.top(), 3, area.height()}), _colors.line);
+        } else if (_painted.look.rule > 0) {
+            const qreal x = area.left() + _painted.look.shape.indent;
+            _painter.fillRect(mirrored({x, std::round(area.center().y()), _painted.look.rule, 1}),
+                              _colors.line);
         } else if (_line.kind == LineKind::rule && isQuiet()) {
             _painter.fillRect(QRectF(area.left(), std::round(area.center().y()), area.width(), 1),
                               _colors.line);
@@ -131,8 +139,8 @@ private:
         _painter.setRenderHint(QPainter::Antialiasing);
         _painter.setBrush(_colors.codeBack);
         _painter.drawRoundedRect(
-            area.adjusted(0, isOpening ? 0 : -codeRadius, 0, isOpening ? codeRadius : 0), codeRadius,
-            codeRadius);
+            area.adjusted(0, isOpening ? 0 : -codeRadius, 0, isOpening ? codeRadius : 0),
+            codeRadius, codeRadius);
         _painter.restore();
     }
 
@@ -186,8 +194,8 @@ private:
                     QRectF(stretch.left, area.top(), stretch.right - stretch.left, area.height()),
                     brush);
             }
-            // A line end that is selected can be seen, too.
-            if (end > length && i + 1 == _text.lineCount()) {
+            // A line end that is selected can be seen, too, unless its line is hidden.
+            if (end > length && i + 1 == _text.lineCount() && _painted.look.shape.pitch > 0) {
                 const QRectF words = line.naturalTextRect();
                 const qreal x = isMirrored() ? words.left() - lineEndWidth : words.right();
                 _painter.fillRect(QRectF(x, area.top(), lineEndWidth, area.height()), brush);

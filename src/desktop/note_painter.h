@@ -12,6 +12,8 @@ class QTextBlock;
 
 namespace tessaly::desktop {
 
+class NoteImages;
+
 /// A block that is laid out.
 struct PaintedBlock {
     const QTextBlock& block;
@@ -19,9 +21,10 @@ struct PaintedBlock {
     const QFont font;   ///< of the text
     const QRectF area;  ///< the column of text in it; places of lines are the document's
     bool isBoxHovered = false;
-    bool isPointed = false;  ///< the pointer is in it
-    bool canFold = false;    ///< asked of those that are pointed at alone
-    int hiddenLines = 0;     ///< it is folded, where there are some
+    bool isPointed = false;        ///< the pointer is in it
+    bool canFold = false;          ///< asked of those that are pointed at alone
+    int hiddenLines = 0;           ///< it is folded, where there are some
+    NoteImages* images = nullptr;  ///< of its pictures
 };
 
 /// Its text, and all that is drawn with it: grounds, bars, the box, what is selected, the caret.

@@ -14,6 +14,7 @@
 #include "desktop/find_bar.h"
 #include "desktop/note_editor.h"
 #include "desktop/note_folding.h"
+#include "desktop/note_images.h"
 #include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
@@ -91,6 +92,7 @@ void NotePane::build() {
                             {[this] { return _note->address(); }, [this] { return currentText(); },
                              [this] { return saveNow().ok(); }},
                             this);
+    makeImages();
     for (QWidget* page : std::initializer_list<QWidget*>{_empty, _editor, _versions}) {
         _pages->addWidget(page);
     }
@@ -103,6 +105,22 @@ void NotePane::build() {
     column->addWidget(_readOnly);
     column->addWidget(_pages, 1);
     column->addWidget(_findBar);
+}
+
+void NotePane::makeImages() {
+    app::Services& services = _services;
+    store::DataStore& store = services.dataStore();
+    ports::MainQueue& mainQueue = services.ports().mainQueue;
+    _images = new NoteImages(
+        {services.ports().files,
+         [&store](const std::string& name) { return store.pathOf(base::NoteType::images, name); },
+         services.ports().executor,
+         [&mainQueue](base::Job job) { mainQueue.post(std::move(job)); }},
+        this);
+    for (NoteEditor* editor : {_editor, _versions->textView()}) {
+        editor->setImages(*_images);
+        connect(editor, &NoteEditor::linkOpened, this, &NotePane::linkOpened);
+    }
 }
 
 void NotePane::connectParts() {
@@ -171,6 +189,7 @@ void NotePane::showNote() {
 
 void NotePane::leave() {
     _versions->close();
+    _images->startOver();
     _note.reset();
     _noteText.clear();
     _editor->setText({});
@@ -301,6 +320,7 @@ bool NotePane::perform(CommandId command) {
         case CommandId::replace: _findBar->open(FindBar::Fields::findAndReplace); return true;
         case CommandId::findNext: _findBar->findNext(); return true;
         case CommandId::findPrevious: _findBar->findPrevious(); return true;
+        case CommandId::openLink: openLink(); return true;
         default: break;
     }
     if (!showsMainEditor() || !_editor->canEdit()) {
@@ -326,6 +346,13 @@ void NotePane::foldLine() {
         _editor->folding().toggle(*line);
     } else {
         Q_EMIT notice(trText("Nothing belongs to this line that could be folded."));
+    }
+}
+
+void NotePane::openLink() {
+    NoteEditor& shown = showsMainEditor() ? *_editor : *_versions->textView();
+    if (!shown.openLinkAtCaret()) {
+        Q_EMIT notice(trText("There is no link at the caret."));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/commands.h"
+#include "app/line_look.h"
 #include "app/note_address.h"
 #include "app/open_note.h"
 #include "app/services.h"
@@ -23,6 +24,7 @@ namespace tessaly::desktop {
 class CaretTasks;
 class FindBar;
 class NoteEditor;
+class NoteImages;
 class NoteVersions;
 
 /// The open note: its editor, with the bars above and below it, or why there is nothing to edit.
@@ -72,6 +74,7 @@ Q_SIGNALS:
     /// Likewise to be scheduled; `anchor` in global coordinates.
     void scheduleAsked(const std::vector<tasks::TaskReference>& tasks, const QRect& anchor);
     void notice(const QString& text);
+    void linkOpened(const tessaly::app::LookSpan& link);
     /// The file of the open note has gone, with nothing unsaved.
     void gone();
 
@@ -79,7 +82,9 @@ private:
     enum class Page { empty, editor, versions };
 
     void build();
+    void makeImages();
     void connectParts();
+    void openLink();
     void open(const app::NoteAddress& address);
     void showNote();
     /// The open note, a version of it, or why it cannot be shown.
@@ -103,6 +108,7 @@ private:
     QLabel* _readOnly = nullptr;
     QStackedWidget* _pages = nullptr;
     QLabel* _empty = nullptr;
+    NoteImages* _images = nullptr;
     NoteEditor* _editor = nullptr;
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;

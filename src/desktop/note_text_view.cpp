@@ -189,27 +189,48 @@ bool NoteTextView::forwardMarginEvent(QEvent& event) {
     }
 }
 
+QPointF NoteTextView::inDocument(const QPointF& place) const {
+    return place + QPointF(0, verticalScrollBar()->value());
+}
+
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
-    if (!_pointer->press(*event)) {
+    if (!_pointer->press(*event) && !pressLink(*event)) {
         _isPressing = true;
         QTextEdit::mousePressEvent(event);
     }
 }
 
 void NoteTextView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (!_pointer->press(*event)) {
+    const bool isLeft = event->button() == Qt::LeftButton;
+    if (_pointer->press(*event) || (isLeft && openableAt(event->position(), event->modifiers()))) {
+        return;  // the first click has opened the link
+    }
+    const auto picture = isLeft ? pictureAt(*_layout, inDocument(event->position())) : std::nullopt;
+    if (picture) {
+        Q_EMIT linkOpened(picture->span);
+    } else {
         QTextEdit::mouseDoubleClickEvent(event);
     }
 }
 
 void NoteTextView::mouseMoveEvent(QMouseEvent* event) {
-    if (!_pointer->move(*event)) {
-        QTextEdit::mouseMoveEvent(event);
+    if (_pointer->move(*event)) {
+        return;
     }
+    if (_linkPress.isHeld()) {
+        const auto press = _linkPress.dragged(*event);
+        if (press == nullptr) {
+            return;
+        }
+        _isPressing = true;
+        QTextEdit::mousePressEvent(press.get());
+    }
+    showLinkPointer(*event);
+    QTextEdit::mouseMoveEvent(event);
 }
 
 void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
-    if (!_pointer->release(*event)) {
+    if (!_pointer->release(*event) && !releaseLink(*event)) {
         QTextEdit::mouseReleaseEvent(event);
     }
     if (std::exchange(_isPressing, false)) {
@@ -261,7 +282,10 @@ void NoteTextView::paintPlaceholder(const QRect& clip) {
 }
 
 void NoteTextView::resizeEvent(QResizeEvent* event) {
-    keepSight([&] { QTextEdit::resizeEvent(event); });
+    keepSight([&] {
+        QTextEdit::resizeEvent(event);
+        _layout->setViewHeight(viewport()->height());
+    });
     measureSight();
 }
 

@@ -9,13 +9,16 @@
 #include <optional>
 #include <vector>
 
+#include "app/line_look.h"
 #include "base/text_range.h"
 #include "desktop/line_moves.h"
+#include "desktop/note_links.h"
 #include "grammar/todo.h"
 
 namespace tessaly::desktop {
 
 class NoteFolding;
+class NoteImages;
 class NoteLayout;
 class NotePointer;
 
@@ -43,6 +46,10 @@ public:
     /// Does something to text or layout, during which what is seen stays where it is.
     void keepSight(const std::function<void()>& change);
     NoteFolding& folding() { return *_folding; }
+    /// Shows pictures below their lines, while there is `images`.
+    void setImages(NoteImages& images);
+    /// Opens the link that the caret is in or beside; false: there is none.
+    bool openLinkAtCaret();
     /// Shown where there is no text. In the place of the base's, which knows nothing of the column.
     void setPlaceholderText(const QString& text);
 
@@ -51,9 +58,12 @@ Q_SIGNALS:
     void boxClicked(int line);
     /// The user has dragged lines somewhere else.
     void linesDropped(Lines lines, LineTarget target);
+    /// The user wants to go where a link leads, or to see a picture by itself.
+    void linkOpened(const tessaly::app::LookSpan& link);
 
 protected:
     bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -68,10 +78,20 @@ protected:
 
     NoteLayout& noteLayout() const { return *_layout; }
     NotePointer& pointer() const { return *_pointer; }
+    /// The link or picture at a place of the viewport.
+    std::optional<ShownLink> linkOrPictureAt(const QPointF& place) const;
 
 private:
     bool forwardMarginEvent(QEvent& event);
     void onCaret();
+    QPointF inDocument(const QPointF& place) const;
+    /// That a click opens.
+    std::optional<ShownLink> openableAt(const QPointF& place,
+                                        Qt::KeyboardModifiers modifiers) const;
+    bool pressLink(const QMouseEvent& event);
+    bool releaseLink(QMouseEvent& event);
+    void showLinkPointer(const QMouseEvent& event);
+    void refreshPicture(const QString& name);
     void paintPlaceholder(const QRect& clip);
     void measureSight();
     void layOutColumn();
@@ -84,6 +104,7 @@ private:
     NotePointer* const _pointer;
     int _textWidth = 720;
     bool _isPressing = false;  ///< words must not move below the pointer
+    LinkPress _linkPress;
     QString _placeholder;
     std::vector<base::TextRange> _matches;
     std::optional<std::size_t> _currentMatch;

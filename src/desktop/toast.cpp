@@ -74,7 +74,20 @@ Toast::Toast(QWidget* window) : QWidget(window) {
 void Toast::show(const QString& text, bool isFailure, std::function<void()> undo, UndoKey key) {
     _undo = std::move(undo);
     _undoButton->setText(key == UndoKey::tasks ? undoText() : trText("Undo"));
+    _undoButton->setAccessibleName(trText("Undo"));
     _sign->setVisible(isFailure);
+    present(text);
+}
+
+void Toast::offer(const QString& text, const QString& button, std::function<void()> run) {
+    _undo = std::move(run);
+    _undoButton->setText(button);
+    _undoButton->setAccessibleName(button);
+    _sign->hide();
+    present(text);
+}
+
+void Toast::present(const QString& text) {
     _undoButton->setVisible(_undo != nullptr);
     _text->setText(text);
     setAccessibleName(text);

@@ -22,6 +22,8 @@ public:
     /// With `undo`, which may be empty, there is a button that does it, with its key on it.
     void show(const QString& text, bool isFailure = false, std::function<void()> undo = {},
               UndoKey key = UndoKey::tasks);
+    /// With a button that does something else than to take it back.
+    void offer(const QString& text, const QString& button, std::function<void()> run);
     static constexpr int shownMilliseconds = 6000;
 
 protected:
@@ -31,6 +33,7 @@ protected:
 
 private:
     void dress();
+    void present(const QString& text);
     void place();
     void undo();
     bool isHeld() const;

@@ -48,7 +48,10 @@ constexpr std::string_view pieces[] = {
     "a\u2028b",
     "\t",
     "\0"sv,
-    "|a|b|\n"};
+    "|a|b|\n",
+    "|---|:-:|\n",
+    "|`c|d`|#tag|\n",
+    "![x](photo.png)\n"};
 
 std::string hostileText(std::mt19937& random, std::size_t size) {
     std::string text;
