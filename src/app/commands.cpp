@@ -91,6 +91,8 @@ constexpr std::array allCommands{
     CommandRow{CommandId::findPrevious, "findPrevious", Group::edit, Need::nothing,
                N_("Find Previous"), "Shift+F3 Ctrl+Shift+G"},
     CommandRow{CommandId::replace, "replace", Group::edit, Need::text, N_("Replace…"), "Ctrl+H"},
+    CommandRow{CommandId::suggest, "suggest", Group::edit, Need::text, N_("Suggest"), "Ctrl+Space",
+               "", N_("Offers tags, mentions, titles or days for the word before the caret")},
 
     CommandRow{CommandId::markBold, "markBold", Group::format, Need::text, N_("Bold"), "Ctrl+B", "",
                "", Mark::bold},

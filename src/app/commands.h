@@ -53,6 +53,7 @@ enum class CommandId {
     findNext,
     findPrevious,
     replace,
+    suggest,  // what the word before the caret can become
     // Format: the editor's marks
     markBold,
     markItalic,

@@ -39,8 +39,13 @@ public:
     /// As `rewriteLines` of the selection.
     int rewriteLines(Lines lines, const LineRewrite& rewrite);
     std::string lineText(int line) const;
+    /// Makes an edit of the text that begins at `start`, in UTF-16 units, with what is selected
+    /// then. One undo step.
+    void make(editor::Edit change, int start);
 
 Q_SIGNALS:
+    /// A key or an input method has written or deleted something, and the caret is behind it.
+    void typed(tessaly::desktop::TypingRun::Kind kind);
     void escaped();
 
 protected:
@@ -67,8 +72,6 @@ private:
         base::TextRange selection;
     };
     LinesText selectedLinesText() const;
-    /// An edit of the text that begins at `start`.
-    void make(editor::Edit change, int start);
     TypingRun _run;
     editor::MarkSettings _markSettings;
 };

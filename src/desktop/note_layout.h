@@ -34,6 +34,8 @@ public:
     bool measure(qreal top, qreal bottom);
     bool isMeasured(int block) const { return _heights.isMeasured(block); }
     int blockAt(qreal y) const;
+    /// Whether the block, which the document has, lies within a fence.
+    app::FenceState fenceBefore(int block) const { return _fences.before(block); }
     /// The block whose box is there; -1: none.
     int boxAt(const QPointF& place) const;
     /// Where the box of a task is drawn; empty: there is none.

@@ -12,6 +12,7 @@
 #include "desktop/caret_tasks.h"
 #include "desktop/conflict_bar.h"
 #include "desktop/find_bar.h"
+#include "desktop/note_completion.h"
 #include "desktop/note_editor.h"
 #include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
@@ -90,6 +91,8 @@ void NotePane::build() {
                             {[this] { return _note->address(); }, [this] { return currentText(); },
                              [this] { return saveNow().ok(); }},
                             this);
+    _completion = new NoteCompletion(
+        _services, *_editor, [this] { return _note->address().type; }, this);
     for (QWidget* page : std::initializer_list<QWidget*>{_empty, _editor, _versions}) {
         _pages->addWidget(page);
     }
@@ -312,6 +315,7 @@ bool NotePane::perform(CommandId command) {
     switch (command) {
         case CommandId::undo: _editor->undo(); return true;
         case CommandId::redo: _editor->redo(); return true;
+        case CommandId::suggest: _completion->suggest(); return true;
         default: return _tasks->perform(command);
     }
 }

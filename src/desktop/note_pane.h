@@ -22,6 +22,7 @@ namespace tessaly::desktop {
 
 class CaretTasks;
 class FindBar;
+class NoteCompletion;
 class NoteEditor;
 class NoteVersions;
 
@@ -105,6 +106,7 @@ private:
     NoteEditor* _editor = nullptr;
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
+    NoteCompletion* _completion = nullptr;
     FindBar* _findBar = nullptr;
 };
 

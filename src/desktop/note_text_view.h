@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/line_look.h"
 #include "base/text_range.h"
 #include "grammar/todo.h"
 
@@ -33,6 +34,8 @@ public:
     void goToLine(int line, int column = 0);
     /// Of the caret, in global coordinates.
     QRect caretPlace() const;
+    /// What is open before a line, which the text has.
+    app::FenceState fenceBefore(int line) const;
     /// Ranges that are marked, in order, and which of them is the current one.
     void setMatches(std::vector<base::TextRange> matches, std::optional<std::size_t> current);
     /// Shown where there is no text. In the place of the base's, which knows nothing of the column.
