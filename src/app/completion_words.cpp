@@ -13,8 +13,10 @@ namespace tessaly::app {
 
 namespace {
 
-/// Letters that stand apart somewhere in a word do not remind anybody of it.
-constexpr int leastScoreOfLetter = 20;
+/// Letters that stand apart somewhere in a word do not remind anybody of it. A title has many
+/// words, of which what is typed names some.
+constexpr int leastTagScore = 20;
+constexpr int leastTitleScore = 14;
 constexpr std::size_t leastFuzzyLetters = 2;
 
 /// A tag without its sign, and with the sign of an argument alone where it has one.
@@ -137,7 +139,8 @@ std::vector<CompletionWords::Found> CompletionWords::withLettersOf(FuzzyPattern&
     if (count < leastFuzzyLetters) {
         return {};
     }
-    const int least = leastScoreOfLetter * static_cast<int>(count);
+    const int least =
+        (_kind == Kind::tags ? leastTagScore : leastTitleScore) * static_cast<int>(count);
     std::vector<Found> found;
     for (const Entry& entry : _entries) {
         const bool mayAnswer = (typed.letters() & ~entry.letters) == 0 &&

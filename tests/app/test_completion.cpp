@@ -281,6 +281,7 @@ TEST_CASE("words come from the notes, and newer ones when the notes have changed
         "-- Notes/a.md\nBudget 2019\n#work/home @ann @done(2019-03-05)\n"
         "-- Notes/b.md\nList [old]\n"
         "-- Notes/c.md\nBudget 2019\n"
+        "-- Notes/e.md\nHow we plan the move to the new office\n"
         "-- Calendar/20190305.txt\n#play\n");
     store::NoteCache& cache = planner.services().noteCache();
     cache.load();
@@ -294,7 +295,15 @@ TEST_CASE("words come from the notes, and newer ones when the notes have changed
     };
     CHECK(offered(CompletionKind::hashtag) == "play work");
     CHECK(offered(CompletionKind::mention) == "ann");
-    CHECK(offered(CompletionKind::noteTitle) == "Budget 2019");
+    const std::string office = "How we plan the move to the new office";
+    CHECK(offered(CompletionKind::noteTitle).find("Budget 2019") != std::string::npos);
+    const auto titles = feed.words(CompletionKind::noteTitle);
+    CHECK(offeredFor(*titles, "list").empty());
+    CHECK(offeredFor(*titles, "bu") == "Budget 2019");
+    CHECK(offeredFor(*titles, "budget 2019") == "Budget 2019!");
+    CHECK(offeredFor(*titles, "pl") == "~" + office);
+    CHECK(offeredFor(*titles, "mov off") == "~" + office);
+    CHECK(offeredFor(*titles, "tf").empty());
     CHECK(offered(CompletionKind::day).empty());
     CHECK(told == 3);
 
