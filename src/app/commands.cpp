@@ -97,6 +97,8 @@ constexpr std::array allCommands{
                "Alt+Shift+F"},
     CommandRow{CommandId::openLink, "openLink", Group::edit, Need::text, N_("Open Link"),
                "Ctrl+Shift+O", "", N_("Opens the link or picture that the caret is in")},
+    CommandRow{CommandId::suggest, "suggest", Group::edit, Need::text, N_("Suggest"), "Ctrl+Space",
+               "", N_("Offers tags, mentions, titles or days for the word before the caret")},
 
     CommandRow{CommandId::markBold, "markBold", Group::format, Need::text, N_("Bold"), "Ctrl+B", "",
                "", Mark::bold},

@@ -15,4 +15,9 @@ inline constexpr int floatingRadius = 10;
 /// draws one for windows.
 void paintFloatingFrame(QPainter& painter, const QRect& panel);
 
+/// Where a panel that belongs to `anchor` lies: below it and beginning with it where reading
+/// begins; above where there is no room, or else beside it; inside of `room`, which fits it.
+QRect floatingPlace(const QRect& anchor, QSize size, const QRect& room,
+                    Qt::LayoutDirection direction);
+
 }  // namespace tessaly::desktop

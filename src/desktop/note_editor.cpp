@@ -288,6 +288,7 @@ void NoteEditor::inRun(TypingRun::Kind kind, const QString& text,
     const Step step = _run.goesOn(kind, text, textCursor()) ? Step::same : Step::next;
     if (edit(change, step)) {
         _run.add(kind, text, textCursor());
+        Q_EMIT typed(kind);
     } else {
         _run.end();
     }

@@ -42,8 +42,13 @@ public:
     std::string lineText(int line) const;
     /// Moves lines as one undo step; those that are folded stay so.
     void moveLines(Lines lines, LineTarget target);
+    /// Makes an edit of the text that begins at `start`, in UTF-16 units, with what is selected
+    /// then. One undo step.
+    void make(editor::Edit change, int start);
 
 Q_SIGNALS:
+    /// A key or an input method has written or deleted something, and the caret is behind it.
+    void typed(tessaly::desktop::TypingRun::Kind kind);
     void escaped();
 
 protected:
@@ -70,8 +75,6 @@ private:
         base::TextRange selection;
     };
     LinesText selectedLinesText() const;
-    /// An edit of the text that begins at `start`.
-    void make(editor::Edit change, int start);
     bool openBoxMenu(const QPoint& place);
     void goToLineEnd(int line);
     bool moveFolded(editor::MarkAction action);

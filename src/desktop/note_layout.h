@@ -56,6 +56,8 @@ public:
     int blockAt(qreal y) const;
     /// The text of a block, without the room on its sides.
     QRectF columnOf(const QTextBlock& block) const;
+    /// Whether the block, which the document has, lies within a fence.
+    app::FenceState fenceBefore(int block) const { return _fences.before(block); }
     /// The block whose box is there; -1: none.
     int boxAt(const QPointF& place) const;
     /// Where the box of a task is drawn; empty: there is none.

@@ -12,6 +12,7 @@
 #include "desktop/caret_tasks.h"
 #include "desktop/conflict_bar.h"
 #include "desktop/find_bar.h"
+#include "desktop/note_completion.h"
 #include "desktop/note_editor.h"
 #include "desktop/note_folding.h"
 #include "desktop/note_images.h"
@@ -93,6 +94,8 @@ void NotePane::build() {
                              [this] { return saveNow().ok(); }},
                             this);
     makeImages();
+    _completion = new NoteCompletion(
+        _services, *_editor, [this] { return _note->address().type; }, this);
     for (QWidget* page : std::initializer_list<QWidget*>{_empty, _editor, _versions}) {
         _pages->addWidget(page);
     }
@@ -335,6 +338,7 @@ bool NotePane::perform(CommandId command) {
         case CommandId::redo: _editor->redo(); return true;
         case CommandId::foldLine: foldLine(); return true;
         case CommandId::foldAll: _editor->folding().toggleAll(); return true;
+        case CommandId::suggest: _completion->suggest(); return true;
         default: return _tasks->perform(command);
     }
 }

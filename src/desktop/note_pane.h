@@ -23,6 +23,7 @@ namespace tessaly::desktop {
 
 class CaretTasks;
 class FindBar;
+class NoteCompletion;
 class NoteEditor;
 class NoteImages;
 class NoteVersions;
@@ -112,6 +113,7 @@ private:
     NoteEditor* _editor = nullptr;
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
+    NoteCompletion* _completion = nullptr;
     FindBar* _findBar = nullptr;
 };
 

@@ -101,6 +101,10 @@ QRect NoteTextView::caretPlace() const {
     return {viewport()->mapToGlobal(place.topLeft()), place.size()};
 }
 
+app::FenceState NoteTextView::fenceBefore(int line) const {
+    return _layout->fenceBefore(line);
+}
+
 void NoteTextView::setMatches(std::vector<base::TextRange> matches,
                               std::optional<std::size_t> current) {
     _matches = std::move(matches);

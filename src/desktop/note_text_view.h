@@ -41,6 +41,8 @@ public:
     void goToLine(int line, int column = 0);
     /// Of the caret, in global coordinates.
     QRect caretPlace() const;
+    /// What is open before a line, which the text has.
+    app::FenceState fenceBefore(int line) const;
     /// Ranges that are marked, in order, and which of them is the current one.
     void setMatches(std::vector<base::TextRange> matches, std::optional<std::size_t> current);
     /// Does something to text or layout, during which what is seen stays where it is.

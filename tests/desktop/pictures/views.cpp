@@ -150,6 +150,23 @@ void showSchedule(Stage& stage) {
     stage.press(Qt::Key_Escape);
 }
 
+void showCompletion(Stage& stage) {
+    stage.goTo(today);
+    putCaret(stage, QStringLiteral("printer"));
+    desktop::NoteEditor& editor = partOf<desktop::NotePane>(stage).editor();
+    for (const auto& [typed, name] : {std::pair{" #", "completion-first"},
+                                      {"h", "completion"},
+                                      {"ome >fri", "completion-day"}}) {
+        stage.type(QString::fromLatin1(typed));
+        stage.settle();
+        stage.take(QString::fromLatin1(name));
+    }
+    while (editor.canUndo()) {
+        editor.undo();
+    }
+    stage.settle();
+}
+
 void showFind(Stage& stage) {
     stage.goTo(today);
     stage.window().perform(CommandId::replace);
@@ -274,6 +291,7 @@ std::vector<View> demoViews() {
             {"palette", showPalette},
             {"quick-open", showQuickOpen},
             {"schedule", showSchedule},
+            {"completion", showCompletion},
             {"find", showFind},
             {"toast", showToast},
             {"conflict", showConflict},
