@@ -83,6 +83,7 @@ enum class CommandId {
     largerText,
     smallerText,
     usualText,
+    toggleSpelling,
     fullScreen,
     saveView,  // the list's search as a filter
     // Program

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QTextBlockUserData>
 #include <cstddef>
+#include <vector>
 
 #include "app/line_look.h"
 
@@ -24,11 +25,19 @@ struct BlockShape {
     qreal below = 0;
 };
 
+/// The words of a block, in UTF-16 units, that are or can be looked up; as of `SpellingMarks`.
+struct BlockSpelling {
+    std::vector<base::TextRange> words;
+    std::vector<base::TextRange> wrong;
+    int answers = -1;  ///< those that `wrong` is made of; -1: nobody has looked yet
+};
+
 /// What a block looks like, kept with it while it is laid out.
 struct BlockLook : QTextBlockUserData {
     app::LineLook line;
     BlockShape shape;
     Markup markup = Markup::quiet;
+    mutable BlockSpelling spelling;  ///< found out when the block is drawn
 
     /// Of the block, or nothing.
     static const BlockLook* of(const QTextBlock& block);

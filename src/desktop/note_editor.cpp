@@ -260,8 +260,23 @@ void NoteEditor::insertFromMimeData(const QMimeData* source) {
 }
 
 void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QPoint place = isByKey ? caretPlace().bottomLeft() : event->globalPos();
+    const int position =
+        isByKey ? textCursor().position() : cursorForPosition(event->pos()).position();
+    if (!_menuHelper || !_menuHelper(position, place)) {
+        popUpMenu(place);
+    }
+}
+
+void NoteEditor::popUpMenu(const QPoint& place, const std::function<void(QMenu& menu)>& addFirst) {
     const bool hasSelection = textCursor().hasSelection();
-    QMenu menu(this);
+    auto* shown = new QMenu(this);
+    shown->setAttribute(Qt::WA_DeleteOnClose);
+    QMenu& menu = *shown;
+    if (addFirst) {
+        addFirst(menu);
+    }
     const auto add = [&](const QString& text, void (NoteEditor::*run)(), bool isPossible) {
         menu.addAction(text, this, run)->setEnabled(isPossible);
     };
@@ -272,7 +287,7 @@ void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
     add(trText("Copy"), &NoteEditor::copy, hasSelection);
     add(trText("Paste"), &NoteEditor::paste, canEdit() && canPaste());
     add(trText("Select All"), &NoteEditor::selectAll, !document()->isEmpty());
-    menu.exec(event->globalPos());
+    menu.popup(place);
 }
 
 }  // namespace tessaly::desktop

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "base/text_range.h"
 #include "desktop/recorded_text_edit.h"
@@ -10,6 +11,8 @@
 #include "editor/edit.h"
 #include "editor/editor_commands.h"
 #include "editor/mark_action.h"
+
+class QMenu;
 
 namespace tessaly::desktop {
 
@@ -39,6 +42,13 @@ public:
     /// As `rewriteLines` of the selection.
     int rewriteLines(Lines lines, const LineRewrite& rewrite);
     std::string lineText(int line) const;
+
+    /// Who may show the context menu with entries of its own: true, it will, by `popUpMenu`. Both
+    /// places are the menu's, in the text and in global coordinates.
+    using MenuHelper = std::function<bool(int position, const QPoint& place)>;
+    void setMenuHelper(MenuHelper helper) { _menuHelper = std::move(helper); }
+    /// Shows the context menu, with what `addFirst` puts on its top.
+    void popUpMenu(const QPoint& place, const std::function<void(QMenu& menu)>& addFirst = {});
 
 Q_SIGNALS:
     void escaped();
@@ -71,6 +81,7 @@ private:
     void make(editor::Edit change, int start);
     TypingRun _run;
     editor::MarkSettings _markSettings;
+    MenuHelper _menuHelper;
 };
 
 }  // namespace tessaly::desktop

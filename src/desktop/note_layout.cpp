@@ -42,6 +42,18 @@ void NoteLayout::setMarkers(const grammar::MarkerSettings& markers) {
     forgetAll();
 }
 
+void NoteLayout::setRendering(bool isRendering) {
+    if (std::exchange(_isRendering, isRendering) != isRendering) {
+        forgetAll();
+    }
+}
+
+app::LineLook NoteLayout::lookOf(const QTextBlock& block) const {
+    const int number = block.blockNumber();
+    const auto before = isKnown(number) ? _fences.before(number) : app::FenceState::outside;
+    return app::lineLook(utf8(block.text()), before, _markers);
+}
+
 void NoteLayout::restyle() {
     forgetAll();
 }
@@ -134,6 +146,9 @@ void NoteLayout::draw(QPainter* painter, const PaintContext& context) {
         const bool isHovered = _hoveredBox == block.blockNumber();
         paintBlock(*painter, {block, *look, document()->defaultFont(), columnOf(block), isHovered},
                    context);
+        if (_overlay) {
+            _overlay(*painter, block);
+        }
     }
 }
 
@@ -247,12 +262,16 @@ void NoteLayout::ensure(const QTextBlock& block) const {
     if (!isKnown(number)) {
         return;
     }
-    const app::FenceState before = _fences.before(number);
+    _fences.before(number);
     if (_heights.isMeasured(number)) {
         return;
     }
     auto look = std::make_unique<BlockLook>();
-    look->line = app::lineLook(utf8(block.text()), before, _markers);
+    if (_isRendering) {
+        look->line = lookOf(block);
+    } else {
+        look->line.kind = app::LineLook::Kind::plain;
+    }
     look->markup = number == _shownMarkup ? Markup::shown : Markup::quiet;
     look->shape = shapeOf(look->line, block.text(), document()->defaultFont());
     look->shape.indent = std::min(look->shape.indent, columnWidth() / 2);

@@ -3,7 +3,9 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QRectF>
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include "desktop/block_heights.h"
 #include "desktop/block_style.h"
@@ -23,12 +25,22 @@ public:
     /// Room on both sides of the text, which markup may hang out into.
     void setSideRoom(qreal room);
     void setMarkers(const grammar::MarkerSettings& markers);
+    /// Whether Markdown is shown as what it means; else each line stands as it is written.
+    void setRendering(bool isRendering);
     /// Colours or fonts have changed.
     void restyle();
     /// The block whose markup is shown; -1: none.
     void setShownMarkup(int block);
     /// The block whose box the pointer is on; -1: none.
     void setHoveredBox(int block);
+
+    /// What a line is, also where that is not shown.
+    app::LineLook lookOf(const QTextBlock& block) const;
+    const grammar::MarkerSettings& markers() const { return _markers; }
+
+    /// Draws over a block's text, whose layout stands at its own place.
+    using Overlay = std::function<void(QPainter& painter, const QTextBlock& block)>;
+    void setOverlay(Overlay overlay) { _overlay = std::move(overlay); }
 
     /// Lays out what lies between; false: all of it was.
     bool measure(qreal top, qreal bottom);
@@ -72,6 +84,8 @@ private:
     mutable bool _hasOtherSize = false;
 
     grammar::MarkerSettings _markers;
+    bool _isRendering = true;
+    Overlay _overlay;
     qreal _sideRoom = 24;
     int _shownMarkup = -1;
     int _hoveredBox = -1;

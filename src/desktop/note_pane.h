@@ -24,6 +24,7 @@ class CaretTasks;
 class FindBar;
 class NoteEditor;
 class NoteVersions;
+class SpellingMarks;
 
 /// The open note: its editor, with the bars above and below it, or why there is nothing to edit.
 class NotePane : public QWidget {
@@ -105,6 +106,7 @@ private:
     NoteEditor* _editor = nullptr;
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
+    SpellingMarks* _spelling = nullptr;
     FindBar* _findBar = nullptr;
 };
 

@@ -55,11 +55,14 @@ NoteTextView::NoteTextView(QWidget* parent) : QTextEdit(parent), _layout(makeLay
 }
 
 void NoteTextView::setLook(const Look& look) {
-    _textWidth = look.textWidth;
-    setFont(look.font);
-    setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
-    _layout->setMarkers(look.markers);
-    layOutColumn();
+    keepSight([&] {
+        _textWidth = look.textWidth;
+        setFont(look.font);
+        setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
+        _layout->setRendering(look.isRenderingMarkdown);
+        _layout->setMarkers(look.markers);
+        layOutColumn();
+    });
 }
 
 void NoteTextView::setPlaceholderText(const QString& text) {
@@ -202,6 +205,19 @@ void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
     } else if (boxAt(*event) == pressed) {
         Q_EMIT boxClicked(pressed);
     }
+}
+
+/// The base would make the letters larger itself, and nobody would know.
+void NoteTextView::wheelEvent(QWheelEvent* event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        return QTextEdit::wheelEvent(event);
+    }
+    _zoomAngle += event->angleDelta().y();
+    if (const int steps = _zoomAngle / QWheelEvent::DefaultDeltasPerStep; steps != 0) {
+        _zoomAngle -= steps * QWheelEvent::DefaultDeltasPerStep;
+        Q_EMIT zoomAsked(steps);
+    }
+    event->accept();
 }
 
 void NoteTextView::paintEvent(QPaintEvent* event) {

@@ -24,6 +24,7 @@ public:
         QFont font;
         int textWidth = 720;  ///< widest that the column gets, in pixels
         grammar::MarkerSettings markers;
+        bool isRenderingMarkdown = true;
     };
 
     explicit NoteTextView(QWidget* parent = nullptr);
@@ -41,6 +42,8 @@ public:
 Q_SIGNALS:
     /// The user has clicked the box of the task in this line.
     void boxClicked(int line);
+    /// The user wants larger letters, or, below 0, smaller ones.
+    void zoomAsked(int steps);
 
 protected:
     bool event(QEvent* event) override;
@@ -53,6 +56,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     /// Does something to text or layout, during which what is seen stays where it is.
     void keepSight(const std::function<void()>& change);
 
@@ -70,6 +74,7 @@ private:
     NoteLayout* const _layout;
     int _textWidth = 720;
     int _pressedBox = -1;
+    int _zoomAngle = 0;  ///< of the wheel, that made no step yet
     QString _placeholder;
     std::vector<base::TextRange> _matches;
     std::optional<std::size_t> _currentMatch;
