@@ -61,6 +61,7 @@ SpellChecker::Verdict SpellChecker::verdict(const std::string& word) const {
 void SpellChecker::lookUp(std::vector<std::string> words, std::function<void()> done) {
     if (_answers.size() > mostAnswers) {
         _answers.clear();
+        _suggestions.clear();
     }
     _background.run([this, worker = _worker, words = std::move(words),
                      done = std::move(done)]() -> Background::Then {
@@ -84,13 +85,19 @@ void SpellChecker::lookUp(std::vector<std::string> words, std::function<void()> 
 }
 
 void SpellChecker::suggest(const std::string& word, TakeSuggestions take) {
-    _background.run([worker = _worker, word, take = std::move(take)]() -> Background::Then {
+    if (const auto known = _suggestions.find(word); known != _suggestions.end()) {
+        return take(known->second);
+    }
+    _background.run([this, worker = _worker, word, take = std::move(take)]() -> Background::Then {
         std::vector<std::string> found;
         if (ports::Spelling* dictionaries = worker->dictionaries()) {
             found = dictionaries->suggestions(word);
         }
         found.resize(std::min(found.size(), mostSuggestions));
-        return [take, found = std::move(found)] { take(found); };
+        return [this, word, take, found = std::move(found)] {
+            _suggestions[word] = found;
+            take(found);
+        };
     });
 }
 

@@ -33,7 +33,7 @@ public:
     void lookUp(std::vector<std::string> words, std::function<void()> done);
 
     static constexpr std::size_t mostSuggestions = 6;
-    /// What may have been meant, the likeliest first.
+    /// What may have been meant, the likeliest first; at once where it was asked before.
     using TakeSuggestions = std::function<void(const std::vector<std::string>& suggestions)>;
     void suggest(const std::string& word, TakeSuggestions take);
 
@@ -50,6 +50,7 @@ private:
 
     std::unordered_map<std::string, bool> _answers;
     std::unordered_set<std::string> _accepted;
+    std::unordered_map<std::string, std::vector<std::string>> _suggestions;
     std::shared_ptr<Worker> _worker;
     Background _background;  ///< the last member: what it runs tells the others
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/words.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -22,36 +23,50 @@ WordIterator madeWordIterator() {
     return U_SUCCESS(status) ? std::move(iterator) : WordIterator(nullptr, ubrk_close);
 }
 
-bool isLetterAt(std::string_view text, std::size_t at) {
-    const char c = at < text.size() ? static_cast<char>(text[at] | 0x20) : '\0';
-    return c >= 'a' && c <= 'z';
-}
+/// What an ASCII character does to words.
+enum AsciiSort : std::uint8_t {
+    parts = 0,
+    letter = 1,
+    digit = 2,
+    joiner = 4,        // "_"
+    joinsAsLetter = 8  // "@", so that names with it stay whole
+};
 
-/// What joins as letters do, so that names with an "@" stay whole.
-bool countsAsLetterAt(std::string_view text, std::size_t at) {
-    return isLetterAt(text, at) || (at < text.size() && text[at] == '@');
-}
+constexpr std::array<std::uint8_t, 128> asciiSorts = [] {
+    std::array<std::uint8_t, 128> sorts{};
+    for (std::size_t c = 0; c < sorts.size(); ++c) {
+        const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool isDigit = c >= '0' && c <= '9';
+        sorts[c] = isLetter   ? letter
+                   : isDigit  ? digit
+                   : c == '_' ? joiner
+                   : c == '@' ? joinsAsLetter
+                              : parts;
+    }
+    return sorts;
+}();
 
-bool isDigitAt(std::string_view text, std::size_t at) {
-    return at < text.size() && text[at] >= '0' && text[at] <= '9';
-}
-
-bool isJoinerAt(std::string_view text, std::size_t at) {
-    return at < text.size() && text[at] == '_';
+std::uint8_t sortAt(std::string_view text, std::size_t at) {
+    return asciiSorts[static_cast<unsigned char>(text.data()[at]) & 0x7F];
 }
 
 /// Whether the sign there parts no letters, or no digits, that stand on both of its sides.
 bool isWithinWord(std::string_view text, std::size_t at) {
-    if (at == 0 || at >= text.size()) {
+    if (at + 1 >= text.size()) {
         return false;
     }
-    const char c = text[at];
-    const bool isQuoteOrDot = c == '\'' || c == '.';
-    const bool joinsLetters =
-        isQuoteOrDot && countsAsLetterAt(text, at - 1) && countsAsLetterAt(text, at + 1);
-    const bool joinsDigits = (isQuoteOrDot || c == ',' || c == ';') && isDigitAt(text, at - 1) &&
-                             isDigitAt(text, at + 1);
-    return joinsLetters || joinsDigits;
+    constexpr std::uint8_t letters = letter | joinsAsLetter;
+    const std::uint8_t before = sortAt(text, at - 1);
+    const std::uint8_t behind = sortAt(text, at + 1);
+    switch (text[at]) {
+        case '\'':
+        case '.':
+            return ((before & letters) != 0 && (behind & letters) != 0) ||
+                   (before == digit && behind == digit);
+        case ',':
+        case ';': return before == digit && behind == digit;
+        default: return false;
+    }
 }
 
 /// The rules as they are for ASCII, in one step a byte: most texts are read in no other way.
@@ -60,16 +75,15 @@ void visitAsciiWords(std::string_view text, const Visit& visit) {
     std::size_t at = 0;
     while (at < text.size()) {
         const std::size_t start = at;
-        bool hasContent = false;
+        std::uint8_t found = 0;
         for (; at < text.size(); ++at) {
-            const bool isContent = isLetterAt(text, at) || isDigitAt(text, at);
-            hasContent = hasContent || isContent;
-            if (!isContent && !countsAsLetterAt(text, at) && !isJoinerAt(text, at) &&
-                !(at > start && isWithinWord(text, at))) {
+            const std::uint8_t sort = sortAt(text, at);
+            if (sort == parts && (at == start || !isWithinWord(text, at))) {
                 break;
             }
+            found |= sort;
         }
-        if (hasContent) {
+        if ((found & (letter | digit)) != 0) {
             visit(WordSpan{start, at});
         }
         at += at == start ? 1 : 0;

@@ -26,6 +26,7 @@
 #include "desktop/theme.h"
 #include "desktop/toast.h"
 #include "desktop/week_agenda_view.h"
+#include "desktop/wheel_zoom.h"
 #include "desktop/window_tasks.h"
 #include "store/note_names.h"
 
@@ -234,7 +235,7 @@ void MainWindow::connectMiddle() {
                 _tasks->perform(command, tasks, {});
             });
     connect(_note, &NotePane::scheduleAsked, _tasks, &WindowTasks::askDay);
-    connect(&_note->editor(), &NoteEditor::zoomAsked, this, &MainWindow::changeTextSize);
+    connect(new WheelZoom(_note->editor()), &WheelZoom::asked, this, &MainWindow::changeTextSize);
     connect(new SettingsFollower(_services, this), &SettingsFollower::changed, _note,
             &NotePane::restyle);
     connectRows(_week->rows());

@@ -207,19 +207,6 @@ void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
-/// The base would make the letters larger itself, and nobody would know.
-void NoteTextView::wheelEvent(QWheelEvent* event) {
-    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
-        return QTextEdit::wheelEvent(event);
-    }
-    _zoomAngle += event->angleDelta().y();
-    if (const int steps = _zoomAngle / QWheelEvent::DefaultDeltasPerStep; steps != 0) {
-        _zoomAngle -= steps * QWheelEvent::DefaultDeltasPerStep;
-        Q_EMIT zoomAsked(steps);
-    }
-    event->accept();
-}
-
 void NoteTextView::paintEvent(QPaintEvent* event) {
     QPainter(viewport()).fillRect(event->rect(), Theme::instance().colors().window);
     const int top = verticalScrollBar()->value();

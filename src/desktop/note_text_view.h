@@ -42,8 +42,6 @@ public:
 Q_SIGNALS:
     /// The user has clicked the box of the task in this line.
     void boxClicked(int line);
-    /// The user wants larger letters, or, below 0, smaller ones.
-    void zoomAsked(int steps);
 
 protected:
     bool event(QEvent* event) override;
@@ -56,7 +54,6 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
     /// Does something to text or layout, during which what is seen stays where it is.
     void keepSight(const std::function<void()>& change);
 
@@ -74,7 +71,6 @@ private:
     NoteLayout* const _layout;
     int _textWidth = 720;
     int _pressedBox = -1;
-    int _zoomAngle = 0;  ///< of the wheel, that made no step yet
     QString _placeholder;
     std::vector<base::TextRange> _matches;
     std::optional<std::size_t> _currentMatch;

@@ -165,8 +165,9 @@ bool SpellingMarks::helpWithMenu(int position, const QPoint& point) {
             const int request = ++_request;
             _checker.suggest(_place.word,
                              [this, request](const auto& found) { popUp(request, found); });
-            // A word of which little is right may take long.
-            QTimer::singleShot(menuPatience, this, [this, request] { popUp(request, {}); });
+            // A word of which little is right may take long. Its next menu has them.
+            QTimer::singleShot(menuPatience, this,
+                               [this, request] { popUp(request, std::nullopt); });
             return true;
         }
     }
@@ -174,13 +175,13 @@ bool SpellingMarks::helpWithMenu(int position, const QPoint& point) {
     return false;
 }
 
-void SpellingMarks::popUp(int request, const std::vector<std::string>& suggestions) {
+void SpellingMarks::popUp(int request, const std::optional<std::vector<std::string>>& suggestions) {
     if (request != _request || std::exchange(_shownRequest, request) == request) {
         return;
     }
     _editor.popUpMenu(_place.point, [&](QMenu& menu) {
         const Place place = _place;
-        for (const std::string& each : suggestions) {
+        for (const std::string& each : suggestions.value_or(std::vector<std::string>())) {
             const std::string shown = asWritten(each, place.word);
             QAction* action = menu.addAction(qt(shown), this,
                                              [this, place, shown] { replaceWord(place, shown); });
@@ -188,8 +189,10 @@ void SpellingMarks::popUp(int request, const std::vector<std::string>& suggestio
             font.setBold(true);
             action->setFont(font);
         }
-        if (suggestions.empty()) {
-            menu.addAction(trText("No suggestions"))->setEnabled(false);
+        if (!suggestions || suggestions->empty()) {
+            menu.addAction(suggestions ? trText("No suggestions")
+                                       : trText("Looking for suggestions…"))
+                ->setEnabled(false);
         }
         menu.addSeparator();
         menu.addAction(trText("Add to Dictionary"), this, [this, place] { addWord(place.word); });

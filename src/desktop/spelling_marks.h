@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QTimer>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -60,7 +61,8 @@ private:
         QPoint point;
     };
     bool helpWithMenu(int position, const QPoint& point);
-    void popUp(int request, const std::vector<std::string>& suggestions);
+    /// Nothing: they have not come in time.
+    void popUp(int request, const std::optional<std::vector<std::string>>& suggestions);
     void replaceWord(const Place& place, const std::string& with);
     void addWord(const std::string& word);
 

@@ -34,7 +34,7 @@ std::vector<std::string> partsOf(std::string_view text) {
     return parts;
 }
 
-void addOnce(std::vector<std::string>& texts, std::string text) {
+void addUnlessThere(std::vector<std::string>& texts, std::string text) {
     if (std::find(texts.begin(), texts.end(), text) == texts.end()) {
         texts.push_back(std::move(text));
     }
@@ -70,10 +70,10 @@ std::vector<std::string> writtenLanguages() {
     if (!messages.empty()) {
         for (const std::string& each : partsOf(variableText("LANGUAGE"))) {
             if (auto language = languageNamed(each); !language.empty()) {
-                addOnce(languages, std::move(language));
+                addUnlessThere(languages, std::move(language));
             }
         }
-        addOnce(languages, messages);
+        addUnlessThere(languages, messages);
     }
     if (languages.empty()) {
         languages.emplace_back("en");
