@@ -87,6 +87,7 @@ enum class CommandId {
     largerText,
     smallerText,
     usualText,
+    toggleSpelling,
     fullScreen,
     saveView,  // the list's search as a filter
     // Program

@@ -23,6 +23,7 @@
 #include "ports/main_queue.h"
 #include "ports/metadata_query.h"
 #include "ports/questions.h"
+#include "ports/spelling.h"
 #include "ports/standard_folders.h"
 #include "ports/telling_stamps.h"
 #include "ports/trash.h"
@@ -74,8 +75,9 @@ struct Ports {
     ports::Questions questions;
     std::optional<std::string> dataFolder;  ///< named by the user on the command line
     bool isTestMode = false;  ///< the environment holds "TEST_MODE": the folder is not watched
-    ports::FollowedJobs followedJob = {};  ///< empty: nothing can be started and followed
-    ports::TrashReturn trashReturn = {};   ///< empty: nothing comes back from the trash
+    ports::FollowedJobs followedJob = {};       ///< empty: nothing can be started and followed
+    ports::TrashReturn trashReturn = {};        ///< empty: nothing comes back from the trash
+    ports::SpellingDictionaries spelling = {};  ///< empty: there are no dictionaries
 };
 
 /// The shared instances of one program, each made on first use, on the main thread. Instances that

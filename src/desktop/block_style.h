@@ -37,6 +37,13 @@ struct BlockPicture {
     QString problem;   ///< in words for the user; empty: it is shown
 };
 
+/// The words of a block, in UTF-16 units, that are or can be looked up; as of `SpellingMarks`.
+struct BlockSpelling {
+    std::vector<base::TextRange> words;
+    std::vector<base::TextRange> wrong;
+    int answers = -1;  ///< those that `wrong` is made of; -1: nobody has looked yet
+};
+
 /// What a block looks like, kept with it while it is laid out.
 struct BlockLook : QTextBlockUserData {
     app::LineLook line;
@@ -51,6 +58,7 @@ struct BlockLook : QTextBlockUserData {
     /// How long the line is that is drawn in the place of the text, from where that begins; 0: none
     /// is.
     qreal rule = 0;
+    mutable BlockSpelling spelling;  ///< found out when the block is drawn
 
     /// Of the block, or nothing.
     static const BlockLook* of(const QTextBlock& block);

@@ -24,7 +24,7 @@ constexpr std::array sectionStarts{
     CommandId::scheduleTask,   CommandId::jumpToSource, CommandId::find,
     CommandId::markHeading1,   CommandId::markTodo,     CommandId::markDone,
     CommandId::markShiftRight, CommandId::nextPane,     CommandId::largerText,
-    CommandId::saveView,       CommandId::closeWindow};
+    CommandId::toggleSpelling, CommandId::saveView,     CommandId::closeWindow};
 
 /// These lead to other commands: who chose one does not want it offered again.
 constexpr std::array waysToCommands{CommandId::palette, CommandId::quickOpen};

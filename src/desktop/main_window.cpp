@@ -16,14 +16,17 @@
 #include "desktop/header_bar.h"
 #include "desktop/list_pane.h"
 #include "desktop/menus.h"
+#include "desktop/note_editor.h"
 #include "desktop/note_pane.h"
 #include "desktop/qt_text.h"
 #include "desktop/search_field.h"
+#include "desktop/settings_follower.h"
 #include "desktop/side_bar_pane.h"
 #include "desktop/status_line.h"
 #include "desktop/theme.h"
 #include "desktop/toast.h"
 #include "desktop/week_agenda_view.h"
+#include "desktop/wheel_zoom.h"
 #include "desktop/window_links.h"
 #include "desktop/window_tasks.h"
 #include "store/note_names.h"
@@ -234,6 +237,9 @@ void MainWindow::connectMiddle() {
                 _tasks->perform(command, tasks, {});
             });
     connect(_note, &NotePane::scheduleAsked, _tasks, &WindowTasks::askDay);
+    connect(new WheelZoom(_note->editor()), &WheelZoom::asked, this, &MainWindow::changeTextSize);
+    connect(new SettingsFollower(_services, this), &SettingsFollower::changed, _note,
+            &NotePane::restyle);
     connectRows(_week->rows());
 
     connect(_commandBar, &CommandBar::opened, this, [this](const app::Place& place) { go(place); });

@@ -115,6 +115,7 @@ private:
     void runView(app::CommandId command);
     void updateCommands();
     void changeTextSize(int step);
+    void toggleSpelling();
     void focusPane(WindowPanes::Pane pane);
     void stepPane(int step);
     void openFolderOf(base::NoteType type, const std::string& filename);

@@ -2,24 +2,18 @@
 #include "desktop/note_editor.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMimeData>
 #include <QTextBlock>
 #include <algorithm>
 
-#include "desktop/box_menu.h"
 #include "desktop/long_lines.h"
 #include "desktop/note_folding.h"
 #include "desktop/note_layout.h"
 #include "desktop/note_pointer.h"
 #include "desktop/qt_text.h"
 #include "editor/smart_link.h"
-#include "grammar/line_scanner.h"
 
 namespace tessaly::desktop {
 
@@ -96,57 +90,6 @@ int NoteEditor::rewriteLines(Lines lines, const LineRewrite& rewrite) {
         edit([&] { moveCaretAlong(changes, [&] { makeChanges(*document(), changes); }); });
     }
     return count;
-}
-
-void NoteEditor::moveLines(Lines lines, LineTarget target) {
-    const DocumentChanges changes = changesThatMove(*document(), lines, target);
-    if (!canEdit() || changes.empty()) {
-        return;
-    }
-    const int by = firstLineAfterMove(lines, target) - lines.first;
-    std::vector<int> folded;
-    for (const int head : noteLayout().folds().heads()) {
-        if (head >= lines.first && head <= lines.last) {
-            folded.push_back(head + by);
-        }
-    }
-    const int line = textCursor().blockNumber();
-    const int column = textCursor().positionInBlock();
-    if (!edit([&] { moveCaretAlong(changes, [&] { makeChanges(*document(), changes); }); })) {
-        return;
-    }
-    noteLayout().changeFolds([&](NoteFolds& folds) {
-        return std::count_if(folded.begin(), folded.end(),
-                             [&](int head) { return folds.fold(head); }) > 0;
-    });
-    if (line >= lines.first && line <= lines.last) {
-        const QTextBlock block = document()->findBlockByNumber(line + by);
-        QTextCursor caret(block);
-        caret.setPosition(block.position() + std::min(column, block.length() - 1));
-        setTextCursor(caret);
-    }
-}
-
-/// A line that is folded moves with all that it hides, and past another likewise.
-bool NoteEditor::moveFolded(editor::MarkAction action) {
-    const bool isUp = action == editor::MarkAction::moveUp;
-    const NoteFolds& folds = noteLayout().folds();
-    if ((!isUp && action != editor::MarkAction::moveDown) || folds.heads().empty()) {
-        return false;
-    }
-    Lines lines = selectedLines();
-    lines.last = folds.isFolded(lines.last) ? *folds.lastOf(lines.last) : lines.last;
-    int before = isUp ? lines.first - 1 : lines.last + 1;
-    while (before > 0 && !document()->findBlockByNumber(before).isVisible()) {
-        --before;
-    }
-    if (!isUp) {
-        before = (folds.isFolded(before) ? *folds.lastOf(before) : before) + 1;
-    }
-    if (before >= 0 && before <= endForLines(*document())) {
-        moveLines(lines, {before, 0});
-    }
-    return true;
 }
 
 Lines NoteEditor::selectedLines() const {
@@ -327,63 +270,6 @@ void NoteEditor::insertFromMimeData(const QMimeData* source) {
         caret.insertText(link ? documentText(*link) : text);
         setTextCursor(caret);
     });
-}
-
-/// False: there is none.
-bool NoteEditor::openBoxMenu(const QPoint& place) {
-    const int line = pointer().boxAt(viewport()->mapFromGlobal(QPointF(place)));
-    if (line < 0 || !canEdit()) {
-        return false;
-    }
-    goToLineEnd(line);
-    QMenu menu(this);
-    const auto type = grammar::classifyLine(lineText(line), _markSettings.markers).type;
-    fillBoxMenu(menu, *window(), type);
-    menu.exec(place);
-    return true;
-}
-
-void NoteEditor::goToLineEnd(int line) {
-    const QTextBlock block = document()->findBlockByNumber(line);
-    QTextCursor caret(block);
-    caret.movePosition(QTextCursor::EndOfBlock);
-    setTextCursor(caret);
-}
-
-void NoteEditor::addLinkActions(QMenu& menu, const QContextMenuEvent& event) {
-    const auto link = event.reason() == QContextMenuEvent::Keyboard
-                          ? linkAtCaret(textCursor())
-                          : linkOrPictureAt(QPointF(event.pos()));
-    if (!link) {
-        return;
-    }
-    const bool isImage = link->span.kind == app::SpanKind::image;
-    menu.addAction(isImage ? trText("Open Image") : trText("Open Link"), this,
-                   [this, span = link->span] { Q_EMIT linkOpened(span); });
-    menu.addAction(trText("Copy Link Address"), this, [target = qt(link->span.target)] {
-        QApplication::clipboard()->setText(target);
-    });
-    menu.addSeparator();
-}
-
-void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
-    if (event->reason() == QContextMenuEvent::Mouse && openBoxMenu(event->globalPos())) {
-        return;
-    }
-    const bool hasSelection = textCursor().hasSelection();
-    QMenu menu(this);
-    const auto add = [&](const QString& text, void (NoteEditor::*run)(), bool isPossible) {
-        menu.addAction(text, this, run)->setEnabled(isPossible);
-    };
-    addLinkActions(menu, *event);
-    add(trText("Undo"), &NoteEditor::undo, canUndo());
-    add(trText("Redo"), &NoteEditor::redo, canRedo());
-    menu.addSeparator();
-    add(trText("Cut"), &NoteEditor::cut, canEdit() && hasSelection);
-    add(trText("Copy"), &NoteEditor::copy, hasSelection);
-    add(trText("Paste"), &NoteEditor::paste, canEdit() && canPaste());
-    add(trText("Select All"), &NoteEditor::selectAll, !document()->isEmpty());
-    menu.exec(event->globalPos());
 }
 
 }  // namespace tessaly::desktop

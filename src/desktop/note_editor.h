@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "base/text_range.h"
 #include "desktop/line_moves.h"
@@ -46,6 +47,13 @@ public:
     /// then. One undo step.
     void make(editor::Edit change, int start);
 
+    /// Who may show the context menu with entries of its own: true, it will, by `popUpMenu`. Both
+    /// places are the menu's, in the text and in global coordinates.
+    using MenuHelper = std::function<bool(int position, const QPoint& place)>;
+    void setMenuHelper(MenuHelper helper) { _menuHelper = std::move(helper); }
+    /// Shows the context menu, with what `addFirst` puts on its top.
+    void popUpMenu(const QPoint& place, const std::function<void(QMenu& menu)>& addFirst = {});
+
 Q_SIGNALS:
     /// A key or an input method has written or deleted something, and the caret is behind it.
     void typed(tessaly::desktop::TypingRun::Kind kind);
@@ -78,11 +86,13 @@ private:
     bool openBoxMenu(const QPoint& place);
     void goToLineEnd(int line);
     bool moveFolded(editor::MarkAction action);
-    void addLinkActions(QMenu& menu, const QContextMenuEvent& event);
+    void addLinkActions(QMenu& menu, const std::optional<ShownLink>& link);
 
     TypingRun _run;
     editor::MarkSettings _markSettings;
     LinkPaste _linkPaste = LinkPaste::overWords;
+    MenuHelper _menuHelper;
+    std::optional<ShownLink> _menuLink;  ///< that the menu is asked for at
 };
 
 }  // namespace tessaly::desktop

@@ -58,6 +58,18 @@ void NoteLayout::setMarkers(const grammar::MarkerSettings& markers) {
     forgetAll();
 }
 
+void NoteLayout::setRendering(bool isRendering) {
+    if (std::exchange(_isRendering, isRendering) != isRendering) {
+        forgetAll();
+    }
+}
+
+app::LineLook NoteLayout::lookOf(const QTextBlock& block) const {
+    const int number = block.blockNumber();
+    const auto before = isKnown(number) ? _fences.before(number) : app::FenceState::outside;
+    return app::lineLook(utf8(block.text()), before, _markers);
+}
+
 void NoteLayout::restyle() {
     forgetAll();
 }
@@ -163,30 +175,30 @@ int NoteLayout::boxAt(const QPointF& place) const {
 
 QRectF NoteLayout::boxOf(int number) const {
     const QTextBlock block = document()->findBlockByNumber(number);
-    const BlockLook* look = lookOf(block);
+    const BlockLook* look = shownLook(block);
     return look != nullptr && look->markup == Markup::quiet ? taskBoxOf(paintedBlock(block, *look))
                                                             : QRectF();
 }
 
 QRectF NoteLayout::handleOf(int number) const {
     const QTextBlock block = document()->findBlockByNumber(number);
-    const BlockLook* look = lookOf(block);
+    const BlockLook* look = shownLook(block);
     return look != nullptr ? handlePlace(paintedBlock(block, *look)) : QRectF();
 }
 
 bool NoteLayout::isRightToLeft(int number) const {
-    const BlockLook* look = lookOf(document()->findBlockByNumber(number));
+    const BlockLook* look = shownLook(document()->findBlockByNumber(number));
     return look != nullptr && look->isRightToLeft;
 }
 
 QRectF NoteLayout::foldMarkOf(int number) const {
     const QTextBlock block = document()->findBlockByNumber(number);
-    const BlockLook* look = lookOf(block);
+    const BlockLook* look = shownLook(block);
     return look != nullptr ? foldMarkPlace(paintedBlock(block, *look)) : QRectF();
 }
 
 /// Nothing: it is not laid out, or not shown.
-const BlockLook* NoteLayout::lookOf(const QTextBlock& block) const {
+const BlockLook* NoteLayout::shownLook(const QTextBlock& block) const {
     (void)blockBoundingRect(block);
     const bool isShown = block.isValid() && block.isVisible() && isKnown(block.blockNumber());
     return isShown ? BlockLook::of(block) : nullptr;
@@ -231,13 +243,16 @@ void NoteLayout::draw(QPainter* painter, const PaintContext& context) {
         if (area.top() > clip.bottom()) {
             break;
         }
-        const BlockLook* look = lookOf(block);
+        const BlockLook* look = shownLook(block);
         if (look == nullptr) {
             continue;
         }
         // Also what screen readers ask for.
         block.layout()->setPosition(area.topLeft());
         paintBlock(*painter, paintedBlock(block, *look), context);
+        if (_overlay) {
+            _overlay(*painter, block);
+        }
     }
 }
 
@@ -368,7 +383,11 @@ void NoteLayout::ensure(const QTextBlock& block) const {
         return;
     }
     auto look = std::make_unique<BlockLook>();
-    look->line = app::lineLook(utf8(block.text()), before, _markers);
+    if (_isRendering) {
+        look->line = lookOf(block);
+    } else {
+        look->line.kind = app::LineLook::Kind::plain;
+    }
     look->markup = number == _shownMarkup ? Markup::shown : Markup::quiet;
     look->isRightToLeft = readsRightToLeft(look->line, block.text());
     look->opensFence = before == app::FenceState::outside;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "desktop/block_heights.h"
 #include "desktop/block_style.h"
@@ -31,6 +32,8 @@ public:
     /// Room on both sides of the text, which markup may hang out into.
     void setSideRoom(qreal room);
     void setMarkers(const grammar::MarkerSettings& markers);
+    /// Whether Markdown is shown as what it means; else each line stands as it is written.
+    void setRendering(bool isRendering);
     /// Colours or fonts have changed.
     void restyle();
     /// Where pictures come from; null, or gone: none are shown.
@@ -49,6 +52,14 @@ public:
     const NoteFolds& folds() const { return _folds; }
     /// Does something to the folds; false: nothing has come of it.
     bool changeFolds(const std::function<bool(NoteFolds& folds)>& change);
+
+    /// What a line is, also where that is not shown.
+    app::LineLook lookOf(const QTextBlock& block) const;
+    const grammar::MarkerSettings& markers() const { return _markers; }
+
+    /// Draws over a block's text, whose layout stands at its own place.
+    using Overlay = std::function<void(QPainter& painter, const QTextBlock& block)>;
+    void setOverlay(Overlay overlay) { _overlay = std::move(overlay); }
 
     /// Lays out what lies between; false: all of it was.
     bool measure(qreal top, qreal bottom);
@@ -88,7 +99,7 @@ private:
     float estimatedHeight(const QTextBlock& block) const;
     void onHidden(int block);
     PaintedBlock paintedBlock(const QTextBlock& block, const BlockLook& look) const;
-    const BlockLook* lookOf(const QTextBlock& block) const;
+    const BlockLook* shownLook(const QTextBlock& block) const;
     void ensure(const QTextBlock& block) const;
     /// How high it is.
     qreal layOut(const QTextBlock& block, const BlockLook& look) const;
@@ -110,6 +121,8 @@ private:
     grammar::MarkerSettings _markers;
     QPointer<NoteImages> _images;
     qreal _viewHeight = 600;
+    bool _isRendering = true;
+    Overlay _overlay;
     qreal _sideRoom = 24;
     int _shownMarkup = -1;
     int _hoveredBox = -1;

@@ -12,12 +12,15 @@
 #include "desktop/caret_tasks.h"
 #include "desktop/conflict_bar.h"
 #include "desktop/find_bar.h"
+#include "desktop/line_announcer.h"
 #include "desktop/note_completion.h"
 #include "desktop/note_editor.h"
 #include "desktop/note_folding.h"
 #include "desktop/note_images.h"
 #include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
+#include "desktop/spelling_marks.h"
+#include "desktop/text_count_label.h"
 #include "desktop/theme.h"
 #include "grammar/note_title.h"
 #include "store/three_way_merge.h"
@@ -101,6 +104,8 @@ void NotePane::build() {
     }
     _findBar = new FindBar(this);
     _findBar->setEditor(_editor);
+    _spelling = new SpellingMarks(_services, *_editor);
+    new LineAnnouncer(_services, *_editor);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -108,6 +113,7 @@ void NotePane::build() {
     column->addWidget(_readOnly);
     column->addWidget(_pages, 1);
     column->addWidget(_findBar);
+    column->addWidget(new TextCountLabel(_services, *_editor));
 }
 
 void NotePane::makeImages() {
@@ -133,6 +139,7 @@ void NotePane::connectParts() {
     connect(_editor, &NoteEditor::escaped, _findBar, &FindBar::close);
     connect(_versions, &NoteVersions::shownChanged, this, &NotePane::showOpenPage);
     connect(_versions, &NoteVersions::notice, this, &NotePane::notice);
+    connect(_spelling, &SpellingMarks::notice, this, &NotePane::notice);
     connect(_tasks, &CaretTasks::taskGesture, this, &NotePane::taskGesture);
     connect(_tasks, &CaretTasks::scheduleAsked, this, &NotePane::scheduleAsked);
     connect(_tasks, &CaretTasks::notice, this, &NotePane::notice);
@@ -365,7 +372,8 @@ void NotePane::restyle() {
     const Theme& theme = Theme::instance();
     const NoteEditor::Look look{
         theme.editorFont(globals.fontFamily(), globals.fontSize() + globals.fontDelta()),
-        static_cast<int>(globals.maxTextWidth()), _services.markerSettings()};
+        static_cast<int>(globals.maxTextWidth()), _services.markerSettings(),
+        globals.isRenderingMarkdown()};
     for (NoteEditor* editor : {_editor, _versions->textView()}) {
         editor->setLook(look);
         editor->setMarkSettings({_services.markerSettings(), globals.defaultTodoCharacter()});
@@ -376,6 +384,7 @@ void NotePane::restyle() {
     quiet.setColor(QPalette::WindowText, theme.colors().text2);
     _empty->setPalette(quiet);
     _empty->setFont(theme.uiFont(14));
+    _spelling->follow();
     _readOnly->setPalette(quiet);
     _readOnly->setFont(theme.uiFont(12));
 }

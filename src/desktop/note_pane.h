@@ -27,6 +27,7 @@ class NoteCompletion;
 class NoteEditor;
 class NoteImages;
 class NoteVersions;
+class SpellingMarks;
 
 /// The open note: its editor, with the bars above and below it, or why there is nothing to edit.
 class NotePane : public QWidget {
@@ -114,6 +115,7 @@ private:
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
     NoteCompletion* _completion = nullptr;
+    SpellingMarks* _spelling = nullptr;
     FindBar* _findBar = nullptr;
 };
 

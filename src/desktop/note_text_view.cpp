@@ -73,11 +73,14 @@ NoteTextView::~NoteTextView() {
 }
 
 void NoteTextView::setLook(const Look& look) {
-    _textWidth = look.textWidth;
-    setFont(look.font);
-    setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
-    _layout->setMarkers(look.markers);
-    layOutColumn();
+    keepSight([&] {
+        _textWidth = look.textWidth;
+        setFont(look.font);
+        setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
+        _layout->setRendering(look.isRenderingMarkdown);
+        _layout->setMarkers(look.markers);
+        layOutColumn();
+    });
 }
 
 void NoteTextView::setPlaceholderText(const QString& text) {

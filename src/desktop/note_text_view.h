@@ -31,6 +31,7 @@ public:
         QFont font;
         int textWidth = 720;  ///< widest that the column gets, in pixels
         grammar::MarkerSettings markers;
+        bool isRenderingMarkdown = true;
     };
 
     explicit NoteTextView(QWidget* parent = nullptr);

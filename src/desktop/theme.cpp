@@ -333,9 +333,10 @@ QFont Theme::codeFont(int pixelSize) const {
 QFont Theme::editorFont(const std::string& family, double size) const {
     QStringList families = uiFamilies();
     if (!family.empty() && family != "System") {
-        families.prepend(qt(family));
+        families = installed({qt(family)}) + families;
     }
-    const int pixelSize = static_cast<int>(std::lround(std::clamp(size, 6.0, 96.0)));
+    const int pixelSize = static_cast<int>(
+        std::lround(std::clamp<double>(size, smallestEditorFont, largestEditorFont)));
     return fontOf(families, pixelSize, QFont::Normal);
 }
 

@@ -46,6 +46,8 @@ public:
     QFont sectionFont() const;  ///< the small headings of lists
     QFont codeFont(int pixelSize = 13) const;
     /// The editor's, by the settings `fontFamily`, `fontSize` and `fontDelta`.
+    static constexpr int smallestEditorFont = 6;  ///< in pixels, as is the next
+    static constexpr int largestEditorFont = 96;
     QFont editorFont(const std::string& family, double size) const;
 
 Q_SIGNALS:

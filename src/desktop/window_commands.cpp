@@ -6,6 +6,7 @@
 #include <QStackedWidget>
 #include <QUrl>
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "base/localisation.h"
@@ -21,6 +22,7 @@
 #include "desktop/search_field.h"
 #include "desktop/shortcuts_window.h"
 #include "desktop/side_bar_pane.h"
+#include "desktop/theme.h"
 #include "desktop/week_agenda_view.h"
 #include "desktop/window_tasks.h"
 
@@ -145,6 +147,7 @@ void MainWindow::runView(CommandId command) {
         case CommandId::largerText: return changeTextSize(1);
         case CommandId::smallerText: return changeTextSize(-1);
         case CommandId::usualText: return changeTextSize(-_services.globals().fontDelta());
+        case CommandId::toggleSpelling: return toggleSpelling();
         case CommandId::fullScreen: return setWindowState(windowState() ^ Qt::WindowFullScreen);
         case CommandId::saveView: _list->perform(command); return;
         default: return;
@@ -168,11 +171,25 @@ void MainWindow::updateCommands() {
 }
 
 void MainWindow::changeTextSize(int step) {
-    const int delta = _services.globals().fontDelta() + step;
-    // A step past the setting's bounds is refused by it, and changes nothing.
-    if (step != 0 && _services.globals().set("fontDelta", std::to_string(delta))) {
+    settings::Globals& globals = _services.globals();
+    // Steps that nobody could see would have to be taken back one by one.
+    const auto usual = static_cast<int>(std::lround(globals.fontSize()));
+    const int size = std::clamp(usual + globals.fontDelta() + step, Theme::smallestEditorFont,
+                                Theme::largestEditorFont);
+    const bool isOther = size - usual != globals.fontDelta();
+    if (isOther && globals.set("fontDelta", std::to_string(size - usual))) {
         _note->restyle();
     }
+}
+
+void MainWindow::toggleSpelling() {
+    const bool isOn = !_services.globals().isCheckingSpelling();
+    const auto set = _services.globals().set("isCheckingSpelling", isOn ? "on" : "off");
+    if (!set) {
+        return tell(qt(set.failure().description), true);
+    }
+    _note->restyle();
+    tell(isOn ? trText("Spelling is checked.") : trText("Spelling is not checked."));
 }
 
 void MainWindow::focusPane(Pane pane) {

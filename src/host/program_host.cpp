@@ -16,6 +16,7 @@
 #include "platform/folder_cloud_container.h"
 #include "platform/gio_trash.h"
 #include "platform/glib_main_queue.h"
+#include "platform/hunspell_spelling.h"
 #include "platform/inotify_outlook.h"
 #include "platform/inotify_query.h"
 #include "platform/json_user_defaults.h"
@@ -109,7 +110,8 @@ struct ProgramHost::Adapters {
                 options.dataFolder,
                 std::getenv("TEST_MODE") != nullptr,
                 platform::followedProcesses(commandProgram()),
-                platform::trashReturn()};
+                platform::trashReturn(),
+                platform::hunspellSpelling(platform::dictionaryPlaces())};
     }
 
     const ports::StandardFolders folders = platform::xdgFolders("tessaly");

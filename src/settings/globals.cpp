@@ -146,6 +146,9 @@ std::string Globals::cloudDriveContainer() const {
 bool Globals::isStartUpIndex() const {
     return get<bool>("isStartUpIndex");
 }
+bool Globals::isCheckingSpelling() const {
+    return get<bool>("isCheckingSpelling");
+}
 
 base::Result<std::string> Globals::text(std::string_view key) const {
     const SettingRow* row = findSetting(key);

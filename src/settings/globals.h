@@ -56,6 +56,7 @@ public:
     bool isFirstTimeUndoScheduling() const;
     std::string cloudDriveContainer() const;  ///< empty: none is named
     bool isStartUpIndex() const;
+    bool isCheckingSpelling() const;
 
     /// The value of a setting as the user writes it. Failure `notFound`: there is no such setting;
     /// the description names the one that was probably meant.

@@ -60,6 +60,8 @@ constexpr std::array rows{
     SettingRow{"isStartUpIndex", boolean, "on",
                N_("Keep an index of all notes in the cache folder, so that the next start is "
                   "quick")},
+    SettingRow{"isCheckingSpelling", boolean, "on",
+               N_("Underline words of notes that no dictionary knows")},
 };
 
 constexpr bool keysDiffer() {

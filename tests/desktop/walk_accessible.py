@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """walk_accessible.py TESSALY-DESKTOP: goes over the window as a screen reader does. Whatever takes the keys or can
-be pressed has a name and a role, and rows are found by what they say."""
+be pressed has a name and a role, rows are found by what they say, and the caret's line is told of."""
 
 import os
 import subprocess
@@ -20,6 +20,7 @@ NOTES = {
     "Calendar/20190308.txt": "* Ask @ann\n",
     "Notes/Plans.txt": "# Plans\n* Check the budget >2019-03-05\n* Without a day\n",
     "Notes/Work/Budget.txt": "# Budget\n* Sum up\n",
+    "Notes/Lines.txt": "# Lines\n* Buy **flour** >2019-03-06\n\t* Weigh it\n* Bake\nand eat\n",
     "Notes/Torn.txt": "# Torn\none\n",
     "Notes/Torn.sync-conflict-20190304-101112-ABCDEFG.txt": "# Torn\n2\n",
 }
@@ -37,6 +38,15 @@ VIEWS = [
     ("a conflict", ["ctrl+o", "text:Torn", "Return"], ["Show the other version"], []),
     ("another version", ["press:Show the other version"], ["Another version of this note"], []),
     ("the keys", ["ctrl+question"], ["Find a command or key"], ["Escape"]),
+]
+# In the note of lines: a key that moves the caret, and what is said of its line then.
+LINES = [
+    ("Down", "Task, open, Buy flour, due tomorrow, 1 sub-task"),
+    ("ctrl+Home", "Heading 1, Lines"),
+    ("ctrl+End", ""),
+    ("Up", ""),
+    ("Up", "Task, open, Bake"),
+    ("ctrl+Return", "Task, done, Bake"),
 ]
 # Names of their own make no sense for these: they hold what has one.
 NAMELESS_ROLES = {"filler", "panel", "separator", "scroll bar", "viewport", "layered pane", "split pane"}
@@ -94,6 +104,24 @@ class Walk:
                 self.problems.setdefault(path, view)
         return names
 
+    def listen(self, event):
+        """A list to which the names are added of whatever tells of such an event."""
+        heard = []
+        self.atspi.Registry.registerEventListener(lambda told: heard.append(told.source.name), event)
+        return heard
+
+    def take_events(self):
+        from gi.repository import GLib
+        while GLib.MainContext.default().iteration(False):
+            pass
+
+    def description_of(self, wanted):
+        for node, _, name, _ in self.nodes():
+            if name == wanted:
+                node.clear_cache()
+                return node.description
+        return None
+
     def press(self, wanted):
         for node, role, name, _ in self.nodes():
             if name == wanted and "button" in role:
@@ -125,6 +153,33 @@ def look_at(session, walk, view, steps, wanted, back):
     for words in lacking:
         walk.problems[f'nothing tells of "{words}"'] = view
     go(session, walk, back)
+
+
+def hear_lines(session, walk):
+    """Moves the caret, and listens to what is told of its line."""
+    heard = walk.listen("object:property-change:accessible-description")
+    go(session, walk, ["ctrl+o", "text:Lines", "Return"])
+    wait_for("the note", lambda: "and eat" in text_of(walk, "Note"))
+    for key, words in LINES:
+        heard.clear()
+        session.press(key)
+
+        def is_told():
+            walk.take_events()
+            return ("Note" in heard or not words) and walk.description_of("Note") == words
+        try:
+            wait_for(words, is_told)
+        except AssertionError:
+            told = f'{walk.description_of("Note")!r} and {heard}'
+            walk.problems[f"{key} tells {told} instead of {words!r}"] = "the lines of a note"
+    session.press("alt+1")
+
+
+def text_of(walk, wanted):
+    for node, _, name, _ in walk.nodes():
+        if name == wanted:
+            return node.queryText().getText(0, -1)
+    return ""
 
 
 def start_launcher(session, launcher):
@@ -166,6 +221,7 @@ def main():
         walk = Walk(program)
         roles = [node.getRoleName() for node in walk.application]
         assert roles == ["frame"], f"the window is no window but: {roles}"
+        hear_lines(session, walk)
         for row in VIEWS:
             look_at(session, walk, *row)
         assert session.end(program) == 0

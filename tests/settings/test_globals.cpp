@@ -78,6 +78,7 @@ const RoundTrip roundTrips[] = {
     {"allowAccessLater", "on", true, by(&Globals::allowAccessLater)},
     {"isFirstTimeUndoScheduling", "off", false, by(&Globals::isFirstTimeUndoScheduling)},
     {"isStartUpIndex", "off", false, by(&Globals::isStartUpIndex)},
+    {"isCheckingSpelling", "off", false, by(&Globals::isCheckingSpelling)},
     {"cloudDriveContainer", "~/Cloud Drive", "~/Cloud Drive"s, by(&Globals::cloudDriveContainer)},
 };
 
