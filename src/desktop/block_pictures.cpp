@@ -30,8 +30,8 @@ constexpr float selectedOpacity = 0.35F;
 QSizeF fittingSize(QSize size, const PictureRoom& room) {
     const QSizeF whole(size);
     const qreal scale = std::min({1.0, room.width / whole.width(), room.height / whole.height()});
-    return {std::max(1.0, std::round(whole.width() * scale)),
-            std::max(1.0, std::round(whole.height() * scale))};
+    return {std::max(1.0, std::floor(whole.width() * scale)),
+            std::max(1.0, std::floor(whole.height() * scale))};
 }
 
 /// Whether nothing but images stands in the line.

@@ -163,19 +163,17 @@ TEST_CASE("tool tip and menu of a link") {
     ShownLink hostile;
     hostile.span = {tessaly::app::SpanKind::link, {}, "https://a/<img src='x'>"};
     CHECK(linkToolTip(hostile) == QStringLiteral("<span>https://a/&lt;img src='x'&gt;</span>"));
-    QTimer::singleShot(0, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        REQUIRE(menu != nullptr);
-        for (QAction* action : menu->actions()) {
-            if (action->text() == QStringLiteral("Copy Link Address")) {
-                action->trigger();
-            }
-        }
-        menu->close();
-    });
     const QPoint place = placeOf(fixture.editor(), "the site");
     QContextMenuEvent asked(QContextMenuEvent::Mouse, place,
                             fixture.editor().viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(fixture.editor().viewport(), &asked);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    REQUIRE(menu != nullptr);
+    for (QAction* action : menu->actions()) {
+        if (action->text() == QStringLiteral("Copy Link Address")) {
+            action->trigger();
+        }
+    }
+    menu->close();
     CHECK(QApplication::clipboard()->text() == QStringLiteral("https://example.org/a"));
 }
