@@ -19,6 +19,12 @@ QString textBetween(QTextDocument& document, int start, int end) {
         document, {static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)}));
 }
 
+QString textOfAll(const QTextDocument& document) {
+    QString text = document.toRawText();
+    text.replace(QChar::ParagraphSeparator, u'\n');
+    return text;
+}
+
 /// What a stretch was, and what it is, as the least that differs: what others change in between
 /// must not count as the user's.
 DocumentChanges leastChanges(int position, const QString& from, const QString& to) {
@@ -45,10 +51,10 @@ DocumentHistory::DocumentHistory(QTextDocument& document, int longestLine, QObje
 }
 
 void DocumentHistory::begin(const std::function<void()>& set) {
-    const QScopedValueRollback others(_change, Change::others);
-    set();
     // Not all of it is told while the document is set up.
-    _text = textBetween(_document, 0, _document.characterCount() - 1);
+    const QScopedValueRollback begun(_change, Change::begin);
+    set();
+    _text = textOfAll(_document);
     _knownRevision = _document.revision();
     _history.clear();
 }
@@ -92,8 +98,10 @@ int DocumentHistory::makeStep(const EditHistory::Step& step, Change way) {
     const QScopedValueRollback change(_change, way);
     int caret = 0;
     for (auto changes = step.rbegin(); changes != step.rend(); ++changes) {
-        makeChanges(_document, *changes);
         const DocumentChange& last = changes->back();
+        _made = changes->size() == 1 ? &last : nullptr;
+        makeChanges(_document, *changes);
+        _made = nullptr;
         caret = last.position + static_cast<int>(last.inserted.size());
         for (const DocumentChange& each : *changes) {
             caret += &each == &last ? 0 : static_cast<int>(each.inserted.size()) - each.removed;
@@ -104,7 +112,8 @@ int DocumentHistory::makeStep(const EditHistory::Step& step, Change way) {
 
 void DocumentHistory::onContentsChange(int position, int removed, int added) {
     // Layout alone has changed where the revision has not.
-    if (std::exchange(_knownRevision, _document.revision()) == _document.revision()) {
+    if (std::exchange(_knownRevision, _document.revision()) == _document.revision() ||
+        _change == Change::begin) {
         return;
     }
     // The last block's end may be counted with what was removed and added.
@@ -116,7 +125,7 @@ void DocumentHistory::onContentsChange(int position, int removed, int added) {
         oldEnd = static_cast<int>(_text.size());
         end = length;
     }
-    const QString now = textBetween(_document, position, end);
+    const QString now = textNow(position, end);
     const QString before = _text.mid(position, oldEnd - position);
     _text.replace(position, before.size(), now);
     if (_change == Change::others) {
@@ -142,6 +151,13 @@ void DocumentHistory::onContentsChange(int position, int removed, int added) {
     if (_change == Change::users) {
         Q_EMIT edited();
     }
+}
+
+/// What the document holds there. To ask it costs a copy, which is felt where all of it was put in.
+QString DocumentHistory::textNow(int position, int end) {
+    const bool isMade = _made != nullptr && _made->position == position &&
+                        _made->inserted.size() == end - position;
+    return isMade ? _made->inserted : textBetween(_document, position, end);
 }
 
 /// The document can be changed only now.

@@ -42,12 +42,13 @@ Q_SIGNALS:
     void refused();
 
 private:
-    enum class Change { users, others, undo, redo };
+    enum class Change { users, others, undo, redo, begin };
 
     void onContentsChange(int position, int removed, int added);
     void onContentsChanged();
     std::optional<int> go(Change way);
     int makeStep(const EditHistory::Step& step, Change way);
+    QString textNow(int position, int end);
     bool isTooLong(int position, int end) const;
 
     QTextDocument& _document;
@@ -55,6 +56,7 @@ private:
     EditHistory _history;
     QString _text;  ///< the document's
     Change _change = Change::users;
+    const DocumentChange* _made = nullptr;  ///< that is being made, where it is one alone
     bool _joins = false;
     DocumentChanges _refused;  ///< takes back what is too long
     int _knownRevision = 0;

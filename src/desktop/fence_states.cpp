@@ -38,15 +38,15 @@ void FenceStates::replace(int first, int oldCount, int newCount) {
 }
 
 app::FenceState FenceStates::before(int block) {
+    QTextBlock line;
     for (; _known <= block; ++_known) {
-        set(_known, after(_known - 1));
+        line = line.isValid() ? line.next() : _document.findBlockByNumber(_known - 1);
+        set(_known, after(line.text(), _states[at(_known - 1)]));
     }
     return _states[at(block)];
 }
 
-app::FenceState FenceStates::after(int block) const {
-    const QString line = _document.findBlockByNumber(block).text();
-    const State before = _states[at(block)];
+app::FenceState FenceStates::after(const QString& line, State before) {
     const bool canBeFence = line.contains(u'`') || line.contains(u'~');
     return canBeFence ? app::fenceAfter(utf8(line), before) : before;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QString>
 #include <cstddef>
 #include <functional>
 #include <vector>
@@ -26,7 +27,7 @@ public:
 private:
     using State = app::FenceState;
     static std::size_t at(int block) { return static_cast<std::size_t>(block); }
-    State after(int block) const;
+    static State after(const QString& line, State before);
     void set(int block, State state);
 
     const QTextDocument& _document;

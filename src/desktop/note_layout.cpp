@@ -144,7 +144,7 @@ bool NoteLayout::changeFolds(const std::function<bool(NoteFolds& folds)>& change
 }
 
 void NoteLayout::onHidden(int block) {
-    _heights.setMeasured(block, estimatedHeight(document()->findBlockByNumber(block)));
+    _heights.setMeasured(block, lineEstimate().heightOf(document()->findBlockByNumber(block)));
     forget(block);
 }
 
@@ -323,9 +323,11 @@ void NoteLayout::documentChanged(int from, int /*removed*/, int added) {
 
 void NoteLayout::replaceBlocks(int first, int oldCount, int newCount) {
     std::vector<float> estimates;
+    estimates.reserve(static_cast<std::size_t>(newCount));
+    const LineEstimate lines = lineEstimate();
     QTextBlock block = document()->findBlockByNumber(first);
     for (int i = 0; i < newCount; ++i, block = block.next()) {
-        estimates.push_back(estimatedHeight(block));
+        estimates.push_back(lines.heightOf(block));
         // Its lines may have more characters than it has.
         block.clearLayout();
     }
@@ -359,14 +361,15 @@ void NoteLayout::forgetAll() {
     Q_EMIT update(everything);
 }
 
-float NoteLayout::estimatedHeight(const QTextBlock& block) const {
-    if (!block.isVisible()) {
-        return 0;
-    }
+float NoteLayout::LineEstimate::heightOf(const QTextBlock& block) const {
+    return block.isVisible()
+               ? static_cast<float>(std::max(1.0, std::ceil(block.length() / letters)) * pitch)
+               : 0;
+}
+
+NoteLayout::LineEstimate NoteLayout::lineEstimate() const {
     const QFont font = document()->defaultFont();
-    const qreal letters = columnWidth() / (font.pixelSize() * 0.5);
-    const qreal lines = std::max(1.0, std::ceil(block.length() / std::max(1.0, letters)));
-    return static_cast<float>(lines * linePitch(font));
+    return {std::max(1.0, columnWidth() / (font.pixelSize() * 0.5)), linePitch(font)};
 }
 
 void NoteLayout::ensure(const QTextBlock& block) const {

@@ -96,7 +96,13 @@ private:
     void forgetAll();
     void forget(int block) const;
     void replaceBlocks(int first, int oldCount, int newCount);
-    float estimatedHeight(const QTextBlock& block) const;
+    /// Of text that nobody has looked at yet.
+    struct LineEstimate {
+        qreal letters = 1;  ///< in a line
+        qreal pitch = 0;
+        float heightOf(const QTextBlock& block) const;
+    };
+    LineEstimate lineEstimate() const;
     void onHidden(int block);
     PaintedBlock paintedBlock(const QTextBlock& block, const BlockLook& look) const;
     const BlockLook* shownLook(const QTextBlock& block) const;
