@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
+#include "app/line_outline.h"
 #include "base/localisation.h"
 #include "base/utf8.h"
 #include "grammar/date_tags.h"
-#include "grammar/line_parts.h"
 #include "grammar/line_scanner.h"
 
 namespace tessaly::app {
@@ -21,11 +21,6 @@ using grammar::TodoType;
 using SpokenKind = LineLook::Kind;
 
 constexpr std::size_t mostLinesBelow = 300;
-
-/// In columns of a tab's width or a blank each, which compare well where one note keeps to one.
-std::size_t depthOf(std::string_view line) {
-    return grammar::skipSpace(line, 0);
-}
 
 std::string spokenState(TodoType state) {
     switch (state) {
@@ -99,11 +94,18 @@ std::string spokenParts(const std::vector<std::string>& parts) {
 
 std::size_t subTasksBelow(std::string_view line, const NextLine& next,
                           const grammar::MarkerSettings& markers) {
-    const std::size_t depth = depthOf(line);
+    const OutlineLine head = outlineLine(line, FenceState::outside);
     std::size_t count = 0;
     for (std::size_t seen = 0; seen < mostLinesBelow; ++seen) {
         const auto below = next();
-        if (!below || depthOf(*below) <= depth || base::trimmed(*below).empty()) {
+        if (!below) {
+            break;
+        }
+        const OutlineLine outline = outlineLine(*below, FenceState::outside);
+        if (outline.kind == OutlineLine::Kind::blank) {
+            continue;
+        }
+        if (outline.kind == OutlineLine::Kind::heading || outline.indent <= head.indent) {
             break;
         }
         count += grammar::isTask(grammar::classifyLine(*below, markers).type) ? 1 : 0;

@@ -16,8 +16,8 @@ namespace tessaly::app {
 /// The lines behind one, one more with each call; nothing: there are no more.
 using NextLine = std::function<std::optional<std::string>()>;
 
-/// How many tasks are indented below a line: up to the next line that is not, or is blank. No more
-/// than some hundred lines are looked at.
+/// How many tasks belong to a line, as of `OutlineLine`. No more than some hundred lines are looked
+/// at.
 std::size_t subTasksBelow(std::string_view line, const NextLine& next,
                           const grammar::MarkerSettings& markers);
 
