@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// edit_note: opens a note of 1 MB and 20,000 lines in the editor, types into it at its start, middle
-// and end, resizes it, deletes all and takes that back, and types into a line of 100 KB. Prints a
-// line of JSON: for each the milliseconds of the tries, passed and of the processor, painting
-// included, and for "peer" those of opening the same text in the toolkit's plain editor with the
-// same font.
+// edit_note: opens a note of 1 MB and 20,000 lines in the editor, types into it at its start,
+// middle and end, resizes it, deletes all and takes that back, and types into a line of 100 KB.
+// Prints a line of JSON: for each the milliseconds of the tries, passed and of the processor,
+// painting included, and for "peer" those of opening the same text in the toolkit's plain editor
+// with the same font.
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
@@ -47,8 +47,11 @@ const char* const lines[] = {
 std::string noteText() {
     std::string text;
     for (int line = 0; line < linesOfNote; ++line) {
-        text += fmt::format("{} {}\n", lines[static_cast<std::size_t>(line) % std::size(lines)],
-                            line % 7 == 3 ? "and some more words, to make it a longer line, which is wrapped where it ends" : "");
+        text += fmt::format(
+            "{} {}\n", lines[static_cast<std::size_t>(line) % std::size(lines)],
+            line % 7 == 3
+                ? "and some more words, to make it a longer line, which is wrapped where it ends"
+                : "");
     }
     return text;
 }

@@ -56,7 +56,7 @@ enum class CommandId {
     foldLine,  // away what belongs to it, or show that again
     foldAll,
     openLink,  // that the caret is in
-    suggest,  // what the word before the caret can become
+    suggest,   // what the word before the caret can become
     // Format: the editor's marks
     markBold,
     markItalic,

@@ -155,8 +155,8 @@ void DocumentHistory::onContentsChange(int position, int removed, int added) {
 
 /// What the document holds there. To ask it costs a copy, which is felt where all of it was put in.
 QString DocumentHistory::textNow(int position, int end) {
-    const bool isMade = _made != nullptr && _made->position == position &&
-                        _made->inserted.size() == end - position;
+    const bool isMade =
+        _made != nullptr && _made->position == position && _made->inserted.size() == end - position;
     return isMade ? _made->inserted : textBetween(_document, position, end);
 }
 

@@ -87,9 +87,12 @@ void showNarrowEditor(Stage& stage) {
 }  // namespace
 
 std::vector<View> editorViews() {
-    return {{"editor", showTop},           {"editor-rest", showRest},
-            {"editor-markup", showMarkup}, {"editor-folded", showFolded},
-            {"editor-german", showGerman}, {"editor-arabic", showArabic},
+    return {{"editor", showTop},
+            {"editor-rest", showRest},
+            {"editor-markup", showMarkup},
+            {"editor-folded", showFolded},
+            {"editor-german", showGerman},
+            {"editor-arabic", showArabic},
             {"editor-narrow", showNarrowEditor}};
 }
 

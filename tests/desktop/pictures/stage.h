@@ -54,8 +54,8 @@ struct View {
     const char* name;
     void (*show)(Stage& stage);
 };
-std::vector<View> demoViews();   ///< of a planner that is in use
+std::vector<View> demoViews();    ///< of a planner that is in use
 std::vector<View> editorViews();  ///< of a note that holds everything
-std::vector<View> emptyViews();  ///< of one that has just been begun
+std::vector<View> emptyViews();   ///< of one that has just been begun
 
 }  // namespace tessaly::pictures
