@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -186,9 +187,10 @@ private:
     void addRoom(std::size_t place) {
         if (place < static_cast<std::size_t>(_text.size()) &&
             _text[static_cast<qsizetype>(place)] == u' ') {
+            const bool isBetweenTwo = std::exchange(_lastRoom, place) == place;
             QTextCharFormat format;
             format.setFontLetterSpacingType(QFont::AbsoluteSpacing);
-            format.setFontLetterSpacing(roomBesideGround);
+            format.setFontLetterSpacing(isBetweenTwo ? 2 * roomBesideGround : roomBesideGround);
             add({place, 1}, format);
         }
     }
@@ -231,6 +233,7 @@ private:
     const Colors& _colors;
     QList<QTextLayout::FormatRange> _formats;
     std::vector<bool> _markupPlaces;
+    std::size_t _lastRoom = std::string::npos;  ///< the place of the one that was added last
 };
 
 }  // namespace

@@ -202,7 +202,8 @@ QPointF NoteTextView::inDocument(const QPointF& place) const {
 
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
     if (!_pointer->press(*event) && !pressLink(*event)) {
-        _isPressing = true;
+        // The release after another button may be a menu's.
+        _isPressing = event->button() == Qt::LeftButton;
         QTextEdit::mousePressEvent(event);
     }
 }
