@@ -11,15 +11,11 @@
 #include "app/shown_text.h"
 #include "desktop/caret_tasks.h"
 #include "desktop/conflict_bar.h"
+#include "desktop/editor_tools.h"
 #include "desktop/find_bar.h"
-#include "desktop/line_announcer.h"
-#include "desktop/note_completion.h"
 #include "desktop/note_editor.h"
-#include "desktop/note_folding.h"
-#include "desktop/note_images.h"
 #include "desktop/note_versions.h"
 #include "desktop/qt_text.h"
-#include "desktop/spelling_marks.h"
 #include "desktop/text_count_label.h"
 #include "desktop/theme.h"
 #include "grammar/note_title.h"
@@ -96,16 +92,14 @@ void NotePane::build() {
                             {[this] { return _note->address(); }, [this] { return currentText(); },
                              [this] { return saveNow().ok(); }},
                             this);
-    makeImages();
-    _completion = new NoteCompletion(
-        _services, *_editor, [this] { return _note->address().type; }, this);
+    _tools = new EditorTools(
+        _services, {*_editor, *_versions->textView()}, [this] { return _note->address().type; },
+        this);
     for (QWidget* page : std::initializer_list<QWidget*>{_empty, _editor, _versions}) {
         _pages->addWidget(page);
     }
     _findBar = new FindBar(this);
     _findBar->setEditor(_editor);
-    _spelling = new SpellingMarks(_services, *_editor);
-    new LineAnnouncer(_services, *_editor);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -116,22 +110,6 @@ void NotePane::build() {
     column->addWidget(new TextCountLabel(_services, *_editor));
 }
 
-void NotePane::makeImages() {
-    app::Services& services = _services;
-    store::DataStore& store = services.dataStore();
-    ports::MainQueue& mainQueue = services.ports().mainQueue;
-    _images = new NoteImages(
-        {services.ports().files,
-         [&store](const std::string& name) { return store.pathOf(base::NoteType::images, name); },
-         services.ports().executor,
-         [&mainQueue](base::Job job) { mainQueue.post(std::move(job)); }},
-        this);
-    for (NoteEditor* editor : {_editor, _versions->textView()}) {
-        editor->setImages(*_images);
-        connect(editor, &NoteEditor::linkOpened, this, &NotePane::linkOpened);
-    }
-}
-
 void NotePane::connectParts() {
     connect(_editor, &NoteEditor::edited, this, &NotePane::onEdited);
     connect(_editor, &NoteEditor::notice, this, &NotePane::notice);
@@ -139,7 +117,8 @@ void NotePane::connectParts() {
     connect(_editor, &NoteEditor::escaped, _findBar, &FindBar::close);
     connect(_versions, &NoteVersions::shownChanged, this, &NotePane::showOpenPage);
     connect(_versions, &NoteVersions::notice, this, &NotePane::notice);
-    connect(_spelling, &SpellingMarks::notice, this, &NotePane::notice);
+    connect(_tools, &EditorTools::notice, this, &NotePane::notice);
+    connect(_tools, &EditorTools::linkOpened, this, &NotePane::linkOpened);
     connect(_tasks, &CaretTasks::taskGesture, this, &NotePane::taskGesture);
     connect(_tasks, &CaretTasks::scheduleAsked, this, &NotePane::scheduleAsked);
     connect(_tasks, &CaretTasks::notice, this, &NotePane::notice);
@@ -199,7 +178,7 @@ void NotePane::showNote() {
 
 void NotePane::leave() {
     _versions->close();
-    _images->startOver();
+    _tools->startOver();
     _note.reset();
     _noteText.clear();
     _editor->setText({});
@@ -330,7 +309,9 @@ bool NotePane::perform(CommandId command) {
         case CommandId::replace: _findBar->open(FindBar::Fields::findAndReplace); return true;
         case CommandId::findNext: _findBar->findNext(); return true;
         case CommandId::findPrevious: _findBar->findPrevious(); return true;
-        case CommandId::openLink: openLink(); return true;
+        case CommandId::openLink:
+            _tools->openLink(showsMainEditor() ? *_editor : *_versions->textView());
+            return true;
         default: break;
     }
     if (!showsMainEditor() || !_editor->canEdit()) {
@@ -343,48 +324,17 @@ bool NotePane::perform(CommandId command) {
     switch (command) {
         case CommandId::undo: _editor->undo(); return true;
         case CommandId::redo: _editor->redo(); return true;
-        case CommandId::foldLine: foldLine(); return true;
-        case CommandId::foldAll: _editor->folding().toggleAll(); return true;
-        case CommandId::suggest: _completion->suggest(); return true;
-        default: return _tasks->perform(command);
-    }
-}
-
-/// The caret's line, or else the one that it belongs to.
-void NotePane::foldLine() {
-    const NoteFolding& folding = _editor->folding();
-    if (const auto line = folding.nearest(_editor->textCursor().blockNumber())) {
-        _editor->folding().toggle(*line);
-    } else {
-        Q_EMIT notice(trText("Nothing belongs to this line that could be folded."));
-    }
-}
-
-void NotePane::openLink() {
-    NoteEditor& shown = showsMainEditor() ? *_editor : *_versions->textView();
-    if (!shown.openLinkAtCaret()) {
-        Q_EMIT notice(trText("There is no link at the caret."));
+        default: return _tools->perform(command) || _tasks->perform(command);
     }
 }
 
 void NotePane::restyle() {
-    const settings::Globals& globals = _services.globals();
+    _tools->follow();
     const Theme& theme = Theme::instance();
-    const NoteEditor::Look look{
-        theme.editorFont(globals.fontFamily(), globals.fontSize() + globals.fontDelta()),
-        static_cast<int>(globals.maxTextWidth()), _services.markerSettings(),
-        globals.isRenderingMarkdown()};
-    for (NoteEditor* editor : {_editor, _versions->textView()}) {
-        editor->setLook(look);
-        editor->setMarkSettings({_services.markerSettings(), globals.defaultTodoCharacter()});
-    }
-    _editor->setLinkPaste(globals.isSmartMarkdownLink() ? NoteEditor::LinkPaste::overWords
-                                                        : NoteEditor::LinkPaste::asText);
     QPalette quiet = palette();
     quiet.setColor(QPalette::WindowText, theme.colors().text2);
     _empty->setPalette(quiet);
     _empty->setFont(theme.uiFont(14));
-    _spelling->follow();
     _readOnly->setPalette(quiet);
     _readOnly->setFont(theme.uiFont(12));
 }

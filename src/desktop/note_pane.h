@@ -22,12 +22,10 @@ class QStackedWidget;
 namespace tessaly::desktop {
 
 class CaretTasks;
+class EditorTools;
 class FindBar;
-class NoteCompletion;
 class NoteEditor;
-class NoteImages;
 class NoteVersions;
-class SpellingMarks;
 
 /// The open note: its editor, with the bars above and below it, or why there is nothing to edit.
 class NotePane : public QWidget {
@@ -84,9 +82,7 @@ private:
     enum class Page { empty, editor, versions };
 
     void build();
-    void makeImages();
     void connectParts();
-    void openLink();
     void open(const app::NoteAddress& address);
     void showNote();
     /// The open note, a version of it, or why it cannot be shown.
@@ -98,7 +94,6 @@ private:
     void onMerged(const std::string& text);
     void onSaveState();
     bool showsMainEditor() const;
-    void foldLine();
 
     app::Services& _services;
     std::unique_ptr<app::OpenNote> _note;
@@ -110,12 +105,10 @@ private:
     QLabel* _readOnly = nullptr;
     QStackedWidget* _pages = nullptr;
     QLabel* _empty = nullptr;
-    NoteImages* _images = nullptr;
     NoteEditor* _editor = nullptr;
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
-    NoteCompletion* _completion = nullptr;
-    SpellingMarks* _spelling = nullptr;
+    EditorTools* _tools = nullptr;
     FindBar* _findBar = nullptr;
 };
 
