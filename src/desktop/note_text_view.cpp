@@ -201,9 +201,10 @@ QPointF NoteTextView::inDocument(const QPointF& place) const {
 }
 
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
+    _movedWords.press(*event);
     if (!_pointer->press(*event) && !pressLink(*event)) {
         _isPressing = true;
-        QTextEdit::mousePressEvent(event);
+        QTextEdit::mousePressEvent(_movedWords.follow(*event).get());
     }
 }
 
@@ -216,7 +217,9 @@ void NoteTextView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (picture) {
         Q_EMIT linkOpened(picture->span);
     } else {
-        QTextEdit::mouseDoubleClickEvent(event);
+        _isPressing = true;
+        _movedWords.press(*event);
+        QTextEdit::mouseDoubleClickEvent(_movedWords.follow(*event).get());
     }
 }
 
@@ -233,13 +236,21 @@ void NoteTextView::mouseMoveEvent(QMouseEvent* event) {
         QTextEdit::mousePressEvent(press.get());
     }
     showLinkPointer(*event);
-    QTextEdit::mouseMoveEvent(event);
+    QTextEdit::mouseMoveEvent(_movedWords.follow(*event).get());
 }
 
 void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
     if (!_pointer->release(*event) && !releaseLink(*event)) {
         QTextEdit::mouseReleaseEvent(event);
     }
+    const QPointF before = cursorRect().center();
+    endPress();
+    if (const QPointF way = cursorRect().center() - before; !way.isNull()) {
+        _movedWords.moved(event->position(), way);
+    }
+}
+
+void NoteTextView::endPress() {
     if (std::exchange(_isPressing, false)) {
         showMarkup();
     }
