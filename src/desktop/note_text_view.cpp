@@ -328,7 +328,8 @@ void NoteTextView::keepSight(const std::function<void()>& change) {
     const int top = verticalScrollBar()->value();
     const int last = _layout->blockAt(top + viewport()->height());
     int block = _layout->blockAt(top);
-    for (int next = block; next <= last; ++next) {
+    // Where the first block begins is sure, however high it turns out to be.
+    for (int next = block; top > 0 && next <= last; ++next) {
         if (_layout->isMeasured(next)) {
             block = next;
             break;
