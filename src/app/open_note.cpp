@@ -322,6 +322,10 @@ private:
             _isShowing = true;
             _handlers.onMerged(text);
             _isShowing = false;
+            // Words that an input method has given up on the way are in no file.
+            if (_isAlive && _handlers.currentText() != text) {
+                touch();
+            }
         }
     }
 

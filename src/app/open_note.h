@@ -33,7 +33,8 @@ public:
         /// The editor's text as it is now. Never empty.
         std::function<std::string()> currentText;
         /// The editor is to show this text: what it holds with what others wrote. What the editor
-        /// tells by `edited` meanwhile is not taken for the user's.
+        /// tells by `edited` meanwhile is not taken for the user's, but what it holds beyond this
+        /// text afterwards is, and will be saved.
         std::function<void(const std::string& text)> onMerged;
         /// Also when it fails for another reason than before.
         std::function<void(SaveState state)> onSaveState;

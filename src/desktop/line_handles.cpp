@@ -37,6 +37,13 @@ QFont markFont(const PaintedBlock& painted) {
     return Theme::instance().uiFont(std::max(size, 9), QFont::Medium);
 }
 
+/// Signs that are shown stand out of the column. From where reading begins.
+qreal firstSignIn(const PaintedBlock& painted, const QTextLine& line) {
+    const QRectF words = line.naturalTextRect();
+    return isMirrored(painted) ? painted.area.left() + painted.area.right() - words.right()
+                               : words.left();
+}
+
 void paintGrip(QPainter& painter, const QRectF& place) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::instance().colors().text3);
@@ -64,8 +71,12 @@ QRectF handlePlace(const PaintedBlock& painted) {
         return {};
     }
     const qreal signs = hasSigns(painted.look.line) ? signsWidth * scaleOf(painted.font) : 0;
-    const qreal end = painted.area.left() + painted.look.shape.indent - signs - handleRoom;
     const QTextLine line = text.lineAt(0);
+    const qreal words = painted.area.left() + painted.look.shape.indent - signs;
+    const qreal end = std::min(words, firstSignIn(painted, line)) - handleRoom;
+    if (end < handleSize) {
+        return {};
+    }
     const qreal y = painted.area.top() + line.y() + (line.height() - handleSize) / 2;
     return mirroredIn(painted,
                       {std::round(end - handleSize), std::round(y), handleSize, handleSize});

@@ -13,7 +13,7 @@ struct PaintedBlock;
 /// move it by. Folded lines always show theirs, and behind them how much they hide. Places are in
 /// pixels of the document.
 
-/// Where the handle is, shown or not; empty: the line is blank.
+/// Where the handle is, shown or not; empty: the line is blank, or its signs leave no room.
 QRectF handlePlace(const PaintedBlock& painted);
 /// Empty: the line is not folded.
 QRectF foldMarkPlace(const PaintedBlock& painted);

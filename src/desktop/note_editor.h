@@ -83,6 +83,7 @@ private:
         base::TextRange selection;
     };
     LinesText selectedLinesText() const;
+    QMenu* makeMenu();
     bool openBoxMenu(const QPoint& place);
     void goToLineEnd(int line);
     bool moveFolded(editor::MarkAction action);

@@ -15,6 +15,14 @@
 
 namespace tessaly::desktop {
 
+/// It deletes itself.
+QMenu* NoteEditor::makeMenu() {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(menu, &QMenu::aboutToHide, this, &NoteEditor::endPress);
+    return menu;
+}
+
 /// False: there is none.
 bool NoteEditor::openBoxMenu(const QPoint& place) {
     const int line = pointer().boxAt(viewport()->mapFromGlobal(QPointF(place)));
@@ -22,8 +30,7 @@ bool NoteEditor::openBoxMenu(const QPoint& place) {
         return false;
     }
     goToLineEnd(line);
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QMenu* const menu = makeMenu();
     const auto type = grammar::classifyLine(lineText(line), _markSettings.markers).type;
     fillBoxMenu(*menu, *window(), type);
     menu->popup(place);
@@ -66,9 +73,7 @@ void NoteEditor::contextMenuEvent(QContextMenuEvent* event) {
 
 void NoteEditor::popUpMenu(const QPoint& place, const std::function<void(QMenu& menu)>& addFirst) {
     const bool hasSelection = textCursor().hasSelection();
-    auto* shown = new QMenu(this);
-    shown->setAttribute(Qt::WA_DeleteOnClose);
-    QMenu& menu = *shown;
+    QMenu& menu = *makeMenu();
     if (addFirst) {
         addFirst(menu);
     }

@@ -87,7 +87,7 @@ public:
             paintPictures(_painter, _painted, *_painted.images, _context);
         }
         _painter.setPen(_context.palette.color(QPalette::Text));
-        // Stands at its own place. Of a long line, most is out of sight.
+        // Stands at its own place.
         _text.draw(&_painter, {}, {}, _context.clip);
         paintHandle(_painter, _painted);
         paintFoldMark(_painter, _painted);
@@ -108,6 +108,11 @@ private:
         const qreal bottom = i + 1 == _text.lineCount() ? area.height() - shape.below
                                                         : middleOf(line, _text.lineAt(i + 1));
         return {area.left(), area.top() + top, area.width(), bottom - top};
+    }
+
+    /// Of a long line, most is out of sight.
+    bool isPainted(const QRectF& area) const {
+        return !_context.clip.isValid() || area.intersects(_context.clip);
     }
 
     void paintBlockGround() {
@@ -189,6 +194,9 @@ private:
         for (int i = 0; i < _text.lineCount(); ++i) {
             const QTextLine line = _text.lineAt(i);
             const QRectF area = lineArea(i);
+            if (!isPainted(area)) {
+                continue;
+            }
             for (const Stretch& stretch : stretchesOf(line, from, to)) {
                 _painter.fillRect(
                     QRectF(stretch.left, area.top(), stretch.right - stretch.left, area.height()),

@@ -251,7 +251,7 @@ void NotePane::onEdited() {
 
 void NotePane::onMerged(const std::string& text) {
     _editor->replaceText(shownText(text));
-    _noteText = text;
+    _noteText = app::noteTextOf(text, _editor->text());
     _noteRevision = _editor->document()->revision();
     showOpenPage();
     Q_EMIT titleChanged();

@@ -5,9 +5,11 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <algorithm>
 #include <utility>
 
+#include "desktop/note_folding.h"
 #include "desktop/note_layout.h"
 #include "desktop/note_text_view.h"
 
@@ -24,6 +26,7 @@ constexpr int scrollStep = 10;
 NotePointer::NotePointer(NoteTextView& view, NoteLayout& layout) : _view(view), _layout(layout) {
     _scrolling.setInterval(scrollEvery);
     connect(&_scrolling, &QTimer::timeout, this, &NotePointer::scrollAtEdge);
+    connect(_view.document(), &QTextDocument::contentsChanged, this, &NotePointer::letGoWhenStale);
 }
 
 QPointF NotePointer::inDocument(const QPointF& place) const {
@@ -48,6 +51,11 @@ NotePointer::Spot NotePointer::spotAt(const QPointF& place) const {
 }
 
 bool NotePointer::press(const QMouseEvent& event) {
+    if (_drag) {
+        cancelDrag();
+        return true;
+    }
+    _revision = _view.document()->revision();
     _pressed = event.button() == Qt::LeftButton ? spotAt(event.position()) : Spot{};
     _pressedAt = event.position();
     return _pressed.part != Part::none;
@@ -106,6 +114,14 @@ void NotePointer::cancelDrag() {
     point(_place);
 }
 
+/// What is held is a line by its number, which may be another line's now.
+void NotePointer::letGoWhenStale() {
+    const bool isHeld = _pressed.part != Part::none;
+    if (isHeld && _revision != _view.document()->revision()) {
+        cancelDrag();
+    }
+}
+
 void NotePointer::leave() {
     if (!_drag) {
         _layout.setHoveredBox(-1);
@@ -114,9 +130,15 @@ void NotePointer::leave() {
 }
 
 void NotePointer::point(const QPointF& place) {
-    const Spot spot = _view.isReadOnly() ? Spot{} : spotAt(place);
+    const int line = _layout.blockAt(inDocument(place).y());
+    const bool isReadOnly = _view.isReadOnly();
+    const bool hasHandle = !isReadOnly || _view.folding().canToggle(line);
+    Spot spot = hasHandle ? spotAt(place) : Spot{};
+    if (isReadOnly && spot.part == Part::box) {
+        spot = {};
+    }
     _layout.setHoveredBox(spot.part == Part::box ? spot.line : -1);
-    _layout.setPointedBlock(_layout.blockAt(inDocument(place).y()));
+    _layout.setPointedBlock(hasHandle ? line : -1);
     _view.viewport()->setCursor(spot.part == Part::none ? Qt::IBeamCursor : Qt::PointingHandCursor);
 }
 

@@ -17,7 +17,8 @@ class NoteLayout;
 class NoteTextView;
 
 /// What the pointer does in a note beside placing the caret: it clicks boxes, folds lines, and
-/// drags lines by their handle, box or bullet. Events are the viewport's.
+/// drags lines by their handle, box or bullet. A change of the text ends a drag. Events are the
+/// viewport's.
 class NotePointer : public QObject {
     Q_OBJECT
 public:
@@ -55,13 +56,15 @@ private:
     QPointF inDocument(const QPointF& place) const;
     void point(const QPointF& place);
     void drag();
+    void letGoWhenStale();
     void scrollAtEdge();
 
     NoteTextView& _view;
     NoteLayout& _layout;
     Spot _pressed;
     QPointF _pressedAt;
-    QPointF _place;  ///< in the viewport
+    int _revision = 0;  ///< of the document, when it was pressed
+    QPointF _place;     ///< in the viewport
     std::optional<LineDrag> _drag;
     QTimer _scrolling;
 };

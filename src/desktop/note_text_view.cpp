@@ -201,10 +201,11 @@ QPointF NoteTextView::inDocument(const QPointF& place) const {
 }
 
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
+    _movedWords.press(*event);
     if (!_pointer->press(*event) && !pressLink(*event)) {
         // The release after another button may be a menu's.
         _isPressing = event->button() == Qt::LeftButton;
-        QTextEdit::mousePressEvent(event);
+        QTextEdit::mousePressEvent(_movedWords.follow(*event).get());
     }
 }
 
@@ -217,7 +218,9 @@ void NoteTextView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (picture) {
         Q_EMIT linkOpened(picture->span);
     } else {
-        QTextEdit::mouseDoubleClickEvent(event);
+        _isPressing = true;
+        _movedWords.press(*event);
+        QTextEdit::mouseDoubleClickEvent(_movedWords.follow(*event).get());
     }
 }
 
@@ -234,13 +237,21 @@ void NoteTextView::mouseMoveEvent(QMouseEvent* event) {
         QTextEdit::mousePressEvent(press.get());
     }
     showLinkPointer(*event);
-    QTextEdit::mouseMoveEvent(event);
+    QTextEdit::mouseMoveEvent(_movedWords.follow(*event).get());
 }
 
 void NoteTextView::mouseReleaseEvent(QMouseEvent* event) {
     if (!_pointer->release(*event) && !releaseLink(*event)) {
         QTextEdit::mouseReleaseEvent(event);
     }
+    const QPointF before = cursorRect().center();
+    endPress();
+    if (const QPointF way = cursorRect().center() - before; !way.isNull()) {
+        _movedWords.moved(event->position(), way);
+    }
+}
+
+void NoteTextView::endPress() {
     if (std::exchange(_isPressing, false)) {
         showMarkup();
     }
@@ -318,7 +329,8 @@ void NoteTextView::keepSight(const std::function<void()>& change) {
     const int top = verticalScrollBar()->value();
     const int last = _layout->blockAt(top + viewport()->height());
     int block = _layout->blockAt(top);
-    for (int next = block; next <= last; ++next) {
+    // Where the first block begins is sure, however high it turns out to be.
+    for (int next = block; top > 0 && next <= last; ++next) {
         if (_layout->isMeasured(next)) {
             block = next;
             break;

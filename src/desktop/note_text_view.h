@@ -12,6 +12,7 @@
 #include "app/line_look.h"
 #include "base/text_range.h"
 #include "desktop/line_moves.h"
+#include "desktop/moved_words.h"
 #include "desktop/note_links.h"
 #include "grammar/todo.h"
 
@@ -81,6 +82,8 @@ protected:
 
     NoteLayout& noteLayout() const { return *_layout; }
     NotePointer& pointer() const { return *_pointer; }
+    /// A press is over of which nobody tells the release, since a menu has taken it.
+    void endPress();
     /// The link or picture at a place of the viewport.
     std::optional<ShownLink> linkOrPictureAt(const QPointF& place) const;
 
@@ -107,6 +110,7 @@ private:
     NotePointer* const _pointer;
     int _textWidth = 720;
     bool _isPressing = false;  ///< words must not move below the pointer
+    MovedWords _movedWords;
     LinkPress _linkPress;
     QString _placeholder;
     std::vector<base::TextRange> _matches;

@@ -9,6 +9,7 @@
 #include "desktop/document_history.h"
 #include "desktop/long_lines.h"
 #include "desktop/qt_text.h"
+#include "store/three_way_merge.h"
 
 namespace tessaly::desktop {
 
@@ -45,8 +46,12 @@ void RecordedTextEdit::replaceText(const std::string& shown) {
         setText(shown);
         return;
     }
+    const std::string before = text();
     QGuiApplication::inputMethod()->commit();
-    const DocumentChanges changes = changesBetween(text(), shown);
+    // What was being composed is the user's, and not known to whoever has made the other text.
+    const std::string now = text();
+    const DocumentChanges changes =
+        changesBetween(now, now == before ? shown : store::threeWayMerge(before, now, shown));
     if (changes.empty()) {
         return;
     }

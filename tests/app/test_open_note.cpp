@@ -296,6 +296,27 @@ TEST_CASE("an editor may close its note from within a call") {
     CHECK_FALSE(note);
 }
 
+TEST_CASE("a word that an editor gives up while it takes what others wrote is saved") {
+    SteppedPlanner planner;
+    planner.write(file, "a\n");
+    std::string text = "a\n";
+    std::unique_ptr<OpenNote> note;
+    note = std::make_unique<OpenNote>(planner.services(), plans,
+                                      OpenNote::Handlers{[&] { return text; },
+                                                         [&](const std::string& merged) {
+                                                             text = merged + "word\n";
+                                                             note->edited();
+                                                         },
+                                                         {},
+                                                         {}});
+    planner.write(file, "a\nb\n");
+    note->reread();
+    planner.settle();
+    CHECK(text == "a\nb\nword\n");
+    planner.pass(1s);
+    CHECK(planner.textOf(file) == "a\nb\nword\n");
+}
+
 TEST_CASE("a day gets its note with the first word, not before") {
     SteppedPlanner planner;
     Editor editor{planner, today};

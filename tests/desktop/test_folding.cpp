@@ -179,6 +179,24 @@ TEST_CASE("a fold follows its head, and never hides what was seen") {
     }
 }
 
+TEST_CASE("the handle keeps off the signs of the caret's line") {
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        CAPTURE(direction);
+        const bool isMirrored = direction == Qt::RightToLeft;
+        ShownEditor editor(isMirrored ? "## \u05d0\u05d1\n\u05d2\n" : "## Shopping\nBread\n");
+        editor.setFocus();
+        REQUIRE(QTest::qWaitForWindowActive(&editor));
+        editor.goToLine(0, 4);
+        const QRectF handle = editor.layout().handleOf(0);
+        const QTextBlock block = editor.document()->firstBlock();
+        const QRectF words = block.layout()->lineAt(0).naturalTextRect();
+        REQUIRE_FALSE(handle.isEmpty());
+        CHECK((isMirrored ? handle.left() >= words.right() : handle.right() <= words.left()));
+        editor.resize(200, 400);
+        CHECK((editor.layout().handleOf(0).isEmpty() || editor.layout().handleOf(0).left() >= 0));
+    }
+}
+
 TEST_CASE("handle, mark and keys fold") {
     ShownEditor editor(outline);
     editor.draw();

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QTest>
 #include <string>
@@ -100,6 +102,107 @@ TEST_CASE("a drag can be given up, and starts from a box too") {
     QTest::mouseRelease(editor.viewport(), Qt::LeftButton, {}, editor.boxOfLine(1) + QPoint(0, 8));
     CHECK(editor.text() == "* [ ] b\n* [ ] a\n");
     CHECK(clicked == 0);
+}
+
+TEST_CASE("a drag ends when the text changes below it, and by another button") {
+    static constexpr std::string_view text = "* a\n* b\n* c\n* d\n";
+    struct Row {
+        const char* what;
+        void (*happens)(ShownEditor& editor, QPoint place);
+        std::string_view after;
+    };
+    const Row rows[] = {
+        {"others write a line above",
+         [](ShownEditor& editor, QPoint) { editor.replaceText("new\n" + std::string(text)); },
+         "new\n* a\n* b\n* c\n* d\n"},
+        {"others take lines away", [](ShownEditor& editor, QPoint) { editor.replaceText("* a\n"); },
+         "* a\n"},
+        {"another note is shown", [](ShownEditor& editor, QPoint) { editor.setText({}); }, ""},
+        {"a key writes", [](ShownEditor& editor, QPoint) { editor.press(Qt::Key_X); },
+         "x* a\n* b\n* c\n* d\n"},
+        {"the right button",
+         [](ShownEditor& editor, QPoint place) {
+             QTest::mouseClick(editor.viewport(), Qt::RightButton, {}, place);
+         },
+         text},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        ShownEditor editor(text);
+        editor.draw();
+        const QPoint from = editor.boxOfLine(1);
+        const QPoint to = editor.boxOfLine(3) + QPoint(0, 8);
+        QTest::mousePress(editor.viewport(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(editor.viewport(), from + QPoint(0, 20));
+        QTest::mouseMove(editor.viewport(), to);
+        row.happens(editor, to);
+        editor.draw();
+        QTest::mouseRelease(editor.viewport(), Qt::LeftButton, {}, to);
+        CHECK(editor.text() == row.after);
+    }
+}
+
+TEST_CASE("where nothing is edited, handles stand where lines fold") {
+    struct Row {
+        NoteEditor::Editing editing;
+        int line;
+        bool hasHandle;
+    };
+    const Row rows[] = {
+        {NoteEditor::Editing::allowed, 1, true},
+        {NoteEditor::Editing::never, 1, false},
+        {NoteEditor::Editing::never, 2, true},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.line);
+        ShownEditor editor("* a\nwords\n* b\n\t* c\n");
+        editor.setEditing(row.editing);
+        REQUIRE(QTest::qWaitForWindowActive(&editor));
+        editor.clearFocus();  // a caret blinks
+        const QImage before = editor.grab().toImage();
+        QTest::mouseMove(editor.viewport(), editor.handleOfLine(row.line) + QPoint(200, 0));
+        CHECK((editor.grab().toImage() != before) == row.hasHandle);
+    }
+}
+
+TEST_CASE("a double click selects the word that its first click has hit") {
+    ShownEditor editor("one\nHere **is** some text\n");
+    editor.setFocus();
+    REQUIRE(QTest::qWaitForWindowActive(&editor));
+    editor.draw();
+    const int word = 4 + 17;  // in "text"
+    const auto placeOf = [&](int position) {
+        QTextCursor there = editor.textCursor();
+        there.setPosition(position);
+        return editor.cursorRect(there).center();
+    };
+    const QPoint place = placeOf(word) + QPoint(2, 0);
+    editor.click(place);
+    REQUIRE((placeOf(word) - place).manhattanLength() > 10);
+    QTest::mouseDClick(editor.viewport(), Qt::LeftButton, {}, place);
+    CHECK(editor.textCursor().selectedText() == QStringLiteral("text"));
+}
+
+TEST_CASE("markup is shown again once a menu has taken the release of a click") {
+    ShownEditor editor("* one\n* two\n");
+    editor.setFocus();
+    REQUIRE(QTest::qWaitForWindowActive(&editor));
+    editor.draw();
+    const auto markupOf = [&](int line) {
+        editor.draw();
+        return BlockLook::of(editor.document()->findBlockByNumber(line))->markup;
+    };
+    const QPoint place = editor.boxOfLine(1);
+    QTest::mousePress(editor.viewport(), Qt::RightButton, {}, place);
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, place, editor.viewport()->mapToGlobal(place));
+    QCoreApplication::sendEvent(editor.viewport(), &asked);
+    auto* menu = editor.findChild<QMenu*>();
+    REQUIRE(menu != nullptr);
+    CHECK(markupOf(1) == Markup::quiet);
+    menu->close();
+    CHECK(markupOf(1) == Markup::shown);
+    editor.press(Qt::Key_Up);
+    CHECK(markupOf(0) == Markup::shown);
 }
 
 TEST_CASE("lines move whatever ends the text") {

@@ -357,6 +357,20 @@ TEST_CASE("the caret's line shows its markup, and its words begin where they did
     CHECK(markupWidth(1) < 1);
 }
 
+TEST_CASE("a text that is seen from its beginning stays so") {
+    std::string text = "# Head\n";
+    for (int line = 0; line < 100; ++line) {
+        text += "words\n";
+    }
+    ShownEditor editor(text);
+    editor.draw();
+    // As when the caret comes into the line, which has not been painted yet.
+    editor.layout().setShownMarkup(0);
+    editor.resize(500, 300);
+    editor.draw();
+    CHECK(editor.verticalScrollBar()->value() == 0);
+}
+
 TEST_CASE("words that an input method has not finished stand in the line, and not in the text") {
     ShownEditor editor;
     editor.setText("* **bold** #tag\n");
