@@ -75,6 +75,7 @@ void CompletionView::tellDay() {
 void CompletionView::show(Shown shown, const QRect& anchor) {
     if (shown != _shown) {
         hide();
+        _toldBefore = _writer.accessibleDescription();
     }
     _shown = shown;
     move(anchor);
@@ -99,7 +100,7 @@ void CompletionView::hide() {
         _dayPanel->deleteLater();
         _dayPanel = nullptr;
     }
-    _writer.setAccessibleDescription({});
+    _writer.setAccessibleDescription(_toldBefore);
     // Rows were told as if they had the keys.
     QAccessibleEvent focus(&_writer, QAccessible::Focus);
     QAccessible::updateAccessibility(&focus);

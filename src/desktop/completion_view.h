@@ -51,6 +51,7 @@ private:
     void tellDay();
 
     QWidget& _writer;
+    QString _toldBefore;  ///< of the writer, to screen readers
     Shown _shown = Shown::nothing;
     // The window's, which may go before.
     QPointer<CompletionPanel> _listPanel;

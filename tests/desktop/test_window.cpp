@@ -152,6 +152,10 @@ TEST_CASE("a conflict is seen, gone through and resolved") {
     SUBCASE("the other version is chosen") {
         user.click("1/2");
         CHECK(user.wordsLike("2/2") != std::nullopt);
+        // It is shown as the note itself is.
+        for (const auto* text : user.window().findChildren<NoteEditor*>()) {
+            CHECK(text->font() == user.editor().font());
+        }
         CHECK(user.textOf("Notes/Plans.txt") == "one\ntwo\nthree");
         user.click("Differences");
         const std::string differences = user.view<VersionDifferences>().toPlainText().toStdString();
