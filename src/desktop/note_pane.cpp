@@ -2,6 +2,8 @@
 #include "desktop/note_pane.h"
 
 #include <QEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QTextBlock>
@@ -188,8 +190,8 @@ void NotePane::follow(const app::NoteAddress& address) {
 }
 
 void NotePane::showNote() {
-    _noteText = _note->text();
-    _editor->setText(shownText(_noteText));
+    setGivenText(_note->text());
+    _editor->setText(_givenShown);
     _noteRevision = _editor->document()->revision();
     showOpenPage();
     onSaveState();
@@ -197,11 +199,17 @@ void NotePane::showNote() {
     Q_EMIT titleChanged();
 }
 
+void NotePane::setGivenText(const std::string& text) {
+    _noteText = text;
+    _givenText = text;
+    _givenShown = shownText(text);
+}
+
 void NotePane::leave() {
     _versions->close();
     _images->startOver();
     _note.reset();
-    _noteText.clear();
+    setGivenText({});
     _editor->setText({});
     _noteRevision = _editor->document()->revision();
     showProblem(trText("Choose a day or a note."));
@@ -253,7 +261,9 @@ void NotePane::reread() {
 std::string NotePane::currentText() {
     const int revision = _editor->document()->revision();
     if (revision != _noteRevision) {
-        _noteText = app::noteTextOf(_noteText, _editor->text());
+        const std::string shown = _editor->text();
+        // A line that was saved without its end, and has come back, would have got another one.
+        _noteText = shown == _givenShown ? _givenText : app::noteTextOf(_noteText, shown);
         _noteRevision = revision;
     }
     return _noteText;
@@ -271,8 +281,16 @@ void NotePane::onEdited() {
 }
 
 void NotePane::onMerged(const std::string& text) {
-    _editor->replaceText(shownText(text));
-    _noteText = text;
+    // An input method gives what it composes now, which the text is not joined with yet.
+    const std::string before = currentText();
+    QGuiApplication::inputMethod()->commit();
+    const std::string typed = currentText();
+    setGivenText(typed == before ? text : store::threeWayMerge(before, typed, text));
+    if (_givenText != text) {
+        // What is told as edited during this is taken for the file's.
+        QMetaObject::invokeMethod(this, &NotePane::onEdited, Qt::QueuedConnection);
+    }
+    _editor->replaceText(_givenShown);
     _noteRevision = _editor->document()->revision();
     showOpenPage();
     Q_EMIT titleChanged();
