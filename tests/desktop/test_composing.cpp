@@ -30,7 +30,7 @@ struct ComposingRow {
     std::string_view words;
 };
 
-constexpr std::string_view arabic = "\u0633\u0644\u0627\u0645";
+constexpr std::string_view composedArabic = "\u0633\u0644\u0627\u0645";
 
 const ComposingRow composingRows[] = {
     {"a heading", "# Head\nbody\n", 0, 4, "xyz"},
@@ -52,8 +52,8 @@ const ComposingRow composingRows[] = {
     {"a table's rule", "|a|b|\n|---|:-:|\n|c|d|\n", 1, 3, "xyz"},
     {"a folded heading", "# Head\none\n# Next\n", 0, 6, "xyz"},
     {"a folded item", "* [ ] one\n\t* two\n* three\n", 0, 9, "xyz"},
-    {"right to left", "* [x] \u0645\u0631\u062D\u0628\u0627 a\n* b\n", 0, 8, arabic},
-    {"right to left in Latin", "* [ ] call me\n", 0, 10, arabic},
+    {"right to left", "* [x] \u0645\u0631\u062D\u0628\u0627 a\n* b\n", 0, 8, composedArabic},
+    {"right to left in Latin", "* [ ] call me\n", 0, 10, composedArabic},
     {"Latin from right to left", "# \u05E9\u05DC\u05D5\u05DD\nbody\n", 0, 4, "xyz"},
     {"an empty line", "a\n\nb", 1, 0, "xyz"},
     {"nothing", "", 0, 0, "xyz"},
@@ -89,7 +89,7 @@ QRectF areaInView(const ShownEditor& editor, int line) {
 }
 
 /// The line is folded where the row says so.
-void begin(ShownEditor& editor, const ComposingRow& row) {
+void beginComposing(ShownEditor& editor, const ComposingRow& row) {
     editor.activateWindow();
     editor.setFocus();
     REQUIRE(QTest::qWaitForWindowActive(&editor));
@@ -122,7 +122,7 @@ TEST_CASE("composing changes neither text nor undo, and what is written in the e
         const std::string what = row.what;
         CAPTURE(what);
         ShownEditor editor(row.text);
-        begin(editor, row);
+        beginComposing(editor, row);
         const std::string seen = editor.seenLines();
         const QSizeF size = editor.layout().documentSize();
         QSignalSpy edits(&editor, &NoteEditor::edited);

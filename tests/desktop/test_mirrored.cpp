@@ -38,7 +38,7 @@ qreal startOfWords(const ShownEditor& editor, int line) {
 }
 
 /// In the document, of a line's first row.
-QRectF wordsOf(const ShownEditor& editor, int line) {
+QRectF rowPlace(const ShownEditor& editor, int line) {
     const QTextBlock block = lineOf(editor, line);
     const QPointF place = editor.layout().blockBoundingRect(block).topLeft();
     return block.layout()->lineAt(0).naturalTextRect().translated(place);
@@ -90,9 +90,9 @@ TEST_CASE("boxes, handles and marks of folded lines are mirrored") {
     CHECK(editor.seenLines() == "0 2 4");
     const QRectF mark = editor.layout().foldMarkOf(0);
     const QRectF usual = editor.layout().foldMarkOf(2);
-    CHECK(mark.right() < wordsOf(editor, 0).left());
-    CHECK(wordsOf(editor, 0).left() - mark.right() ==
-          doctest::Approx(usual.left() - wordsOf(editor, 2).right()).epsilon(0.2));
+    CHECK(mark.right() < rowPlace(editor, 0).left());
+    CHECK(rowPlace(editor, 0).left() - mark.right() ==
+          doctest::Approx(usual.left() - rowPlace(editor, 2).right()).epsilon(0.2));
     editor.click(editor.inView(mark.center()));
     CHECK(editor.seenLines() == "0 1 2 4");
     editor.click(editor.handleOfLine(0));
@@ -104,7 +104,7 @@ TEST_CASE("a bullet stands on the side that reading begins at") {
     editor.draw();
     for (const int line : {1, 2}) {
         CAPTURE(line);
-        const QRectF words = wordsOf(editor, line).adjusted(-1, 0, 1, 0);
+        const QRectF words = rowPlace(editor, line).adjusted(-1, 0, 1, 0);
         const bool isLeft = isDrawnBetween(editor, line, 0, static_cast<int>(words.left()));
         const bool isRight = isDrawnBetween(editor, line, static_cast<int>(words.right()) + 1,
                                             editor.viewport()->width());
