@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QTextBlock>
 #include <algorithm>
+#include <utility>
 
 #include "desktop/long_lines.h"
 #include "desktop/note_folding.h"
@@ -240,8 +241,18 @@ void NoteEditor::inRun(TypingRun::Kind kind, const QString& text,
 void NoteEditor::inputMethodEvent(QInputMethodEvent* event) {
     const QString text = event->commitString();
     if (text.isEmpty()) {
+        const int revision = document()->revision();
         RecordedTextEdit::inputMethodEvent(event);
+        if (event->preeditString().isEmpty()) {
+            _composedOver.reset();
+        } else if (document()->revision() != revision) {
+            _composedOver = document()->revision();
+        }
         return;
+    }
+    // What was selected goes when composing begins, and comes back with what took its place.
+    if (std::exchange(_composedOver, std::nullopt) == document()->revision()) {
+        _run.add(TypingRun::Kind::typing, {}, textCursor());
     }
     inRun(TypingRun::Kind::typing, text, [&] { RecordedTextEdit::inputMethodEvent(event); });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -90,6 +91,7 @@ private:
     void addLinkActions(QMenu& menu, const std::optional<ShownLink>& link);
 
     TypingRun _run;
+    std::optional<int> _composedOver;  ///< the revision in which a selection made room for it
     editor::MarkSettings _markSettings;
     LinkPaste _linkPaste = LinkPaste::overWords;
     MenuHelper _menuHelper;

@@ -167,8 +167,8 @@ void NotePane::follow(const app::NoteAddress& address) {
 }
 
 void NotePane::showNote() {
-    _noteText = _note->text();
-    _editor->setText(shownText(_noteText));
+    setGivenText(_note->text());
+    _editor->setText(_givenShown);
     _noteRevision = _editor->document()->revision();
     showOpenPage();
     onSaveState();
@@ -176,11 +176,17 @@ void NotePane::showNote() {
     Q_EMIT titleChanged();
 }
 
+void NotePane::setGivenText(const std::string& text) {
+    _noteText = text;
+    _givenText = text;
+    _givenShown = shownText(text);
+}
+
 void NotePane::leave() {
     _versions->close();
     _tools->startOver();
     _note.reset();
-    _noteText.clear();
+    setGivenText({});
     _editor->setText({});
     _noteRevision = _editor->document()->revision();
     showProblem(trText("Choose a day or a note."));
@@ -232,7 +238,9 @@ void NotePane::reread() {
 std::string NotePane::currentText() {
     const int revision = _editor->document()->revision();
     if (revision != _noteRevision) {
-        _noteText = app::noteTextOf(_noteText, _editor->text());
+        const std::string shown = _editor->text();
+        // A line that was saved without its end, and has come back, would have got another one.
+        _noteText = shown == _givenShown ? _givenText : app::noteTextOf(_noteText, shown);
         _noteRevision = revision;
     }
     return _noteText;
@@ -250,7 +258,9 @@ void NotePane::onEdited() {
 }
 
 void NotePane::onMerged(const std::string& text) {
-    _editor->replaceText(shownText(text));
+    setGivenText(text);
+    // A word that was being composed is joined in, and then this is not the text as it was given.
+    _editor->replaceText(_givenShown);
     _noteText = app::noteTextOf(text, _editor->text());
     _noteRevision = _editor->document()->revision();
     showOpenPage();

@@ -85,6 +85,7 @@ private:
     void connectParts();
     void open(const app::NoteAddress& address);
     void showNote();
+    void setGivenText(const std::string& text);
     /// The open note, a version of it, or why it cannot be shown.
     void showOpenPage();
     void showPage(Page page);
@@ -99,8 +100,10 @@ private:
     std::unique_ptr<app::OpenNote> _note;
     std::string _noteText;  ///< whose `shownText` the editor held at `_noteRevision`
     int _noteRevision = -1;
-    std::string _savedText;  ///< after the last `saveNow`
-    QString _title;          ///< that was told last
+    std::string _givenText;   ///< the editor was given last, by the file or by others
+    std::string _givenShown;  ///< its `shownText`
+    std::string _savedText;   ///< after the last `saveNow`
+    QString _title;           ///< that was told last
 
     QLabel* _readOnly = nullptr;
     QStackedWidget* _pages = nullptr;

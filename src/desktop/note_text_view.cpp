@@ -104,6 +104,12 @@ QRect NoteTextView::caretPlace() const {
     return {viewport()->mapToGlobal(place.topLeft()), place.size()};
 }
 
+QVariant NoteTextView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    const QVariant answer = QTextEdit::inputMethodQuery(query);
+    const bool isPlace = query == Qt::ImCursorRectangle || query == Qt::ImAnchorRectangle;
+    return isPlace ? answer.toRectF().translated(viewport()->pos()) : answer;
+}
+
 app::FenceState NoteTextView::fenceBefore(int line) const {
     return _layout->fenceBefore(line);
 }

@@ -56,6 +56,8 @@ public:
     bool openLinkAtCaret();
     /// Shown where there is no text. In the place of the base's, which knows nothing of the column.
     void setPlaceholderText(const QString& text);
+    /// Places in the view's own pixels; the base takes them for those of its viewport.
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
     /// The user has clicked the box of the task in this line.

@@ -13,6 +13,7 @@
 #include <doctest/doctest.h>
 
 #include "desktop/document_edits.h"
+#include "desktop/layout_checks.h"
 #include "desktop/note_editor.h"
 #include "desktop/note_folding.h"
 #include "desktop/note_layout.h"
@@ -25,6 +26,7 @@ namespace {
 
 using namespace std::literals;
 using namespace tessaly::desktop;
+using tessaly::tests::checkStack;
 using tessaly::tests::ShownEditor;
 using tessaly::tests::WindowFixture;
 
@@ -59,40 +61,6 @@ std::string hostileText(std::mt19937& random, std::size_t size) {
         text += pieces[random() % std::size(pieces)];
     }
     return text;
-}
-
-/// Blocks lie one below the other without gaps, from margin to margin, whichever are measured.
-void checkStack(const ShownEditor& editor) {
-    const NoteLayout& layout = editor.layout();
-    const QTextDocument& document = *editor.document();
-    std::vector<QRectF> areas;
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        (void)layout.blockBoundingRect(block);
-    }
-    qreal bottom = document.documentMargin();
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        const QRectF area = layout.blockBoundingRect(block);
-        REQUIRE(area.top() == doctest::Approx(bottom));
-        if (!block.isVisible()) {
-            REQUIRE(area.height() == 0);
-            continue;
-        }
-        REQUIRE(area.height() > 10);
-        REQUIRE(layout.blockAt(area.center().y()) == block.blockNumber());
-        const QTextLayout& text = *block.layout();
-        REQUIRE(text.lineCount() > 0);
-        // Every character is in a line, and every line in the block.
-        const QTextLine last = text.lineAt(text.lineCount() - 1);
-        REQUIRE(last.textStart() + last.textLength() == block.length() - 1);
-        REQUIRE(text.lineAt(0).y() >= 0);
-        REQUIRE(last.y() + last.height() <= area.height() + 0.5);
-        for (const qreal y : {area.top() + 0.1, area.center().y(), area.bottom() - 0.1}) {
-            const int hit = layout.hitTest({area.center().x(), y}, Qt::FuzzyHit);
-            REQUIRE(document.findBlock(hit) == block);
-        }
-        bottom = area.bottom();
-    }
-    CHECK(layout.documentSize().height() == doctest::Approx(bottom + document.documentMargin()));
 }
 
 /// The same text, laid out from the start, is as high block by block.
