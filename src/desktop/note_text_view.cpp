@@ -75,7 +75,8 @@ NoteTextView::~NoteTextView() {
 void NoteTextView::setLook(const Look& look) {
     keepSight([&] {
         _textWidth = look.textWidth;
-        setFont(look.font);
+        _font = look.font;
+        setFont(_font);
         setTabStopDistance(4 * QFontMetricsF(look.font).horizontalAdvance(u' ') + 8);
         _layout->setRendering(look.isRenderingMarkdown);
         _layout->setMarkers(look.markers);
@@ -179,6 +180,10 @@ bool NoteTextView::event(QEvent* event) {
     const bool isDone = QTextEdit::event(event);
     if (event->type() == QEvent::Resize) {
         layOutColumn();
+    } else if (event->type() == QEvent::StyleChange && _font.pixelSize() > 0 &&
+               font().pixelSize() != _font.pixelSize()) {
+        // A style sheet gives a view the font back that it was made with.
+        setFont(_font);
     }
     return isDone;
 }
@@ -209,8 +214,7 @@ QPointF NoteTextView::inDocument(const QPointF& place) const {
 void NoteTextView::mousePressEvent(QMouseEvent* event) {
     _movedWords.press(*event);
     if (!_pointer->press(*event) && !pressLink(*event)) {
-        // The release after another button may be a menu's.
-        _isPressing = event->button() == Qt::LeftButton;
+        _isPressing = true;
         QTextEdit::mousePressEvent(_movedWords.follow(*event).get());
     }
 }

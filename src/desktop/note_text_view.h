@@ -111,6 +111,7 @@ private:
     const std::unique_ptr<NoteFolding> _folding;
     NotePointer* const _pointer;
     int _textWidth = 720;
+    QFont _font;
     bool _isPressing = false;  ///< words must not move below the pointer
     MovedWords _movedWords;
     LinkPress _linkPress;

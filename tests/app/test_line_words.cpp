@@ -37,7 +37,7 @@ TEST_CASE("a line is told as what it is") {
               "Task, open, Call Bob, due Friday, 8 March, 2 sub-tasks"},
              {{"\t- [x] Send **slides** @done(2019-03-05 08:12 AM)"}, "Task, done, Send slides"},
              {{"* [-] no #work", "\twords", "\t\t* below", "", "\t* elsewhere"},
-              "Task, cancelled, no #work, 1 sub-task"},
+              "Task, cancelled, no #work, 2 sub-tasks"},
              {{"* [>] moved >2019-03-06"}, "Task, scheduled, moved, due tomorrow"},
              {{"* in a year >2020-03-06"}, "Task, open, in a year, due Friday, 6 March 2020"},
              {{"* no real day >2019-02-31"}, "Task, open, no real day"},
