@@ -7,6 +7,7 @@
 #include <QTextOption>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "desktop/block_style.h"
 #include "desktop/line_formats.h"
@@ -61,23 +62,49 @@ qreal indentLine(QTextLine& line, const BlockShape& shape, const TextColumn& col
     return indent;
 }
 
-}  // namespace
+/// Whether the signs before a text stand in a line by themselves, as what follows has no place to
+/// be broken at.
+bool standsAlone(const QTextLine& line, const BlockShape& shape, int length) {
+    return line.textStart() == 0 && shape.prefix > 0 && line.textLength() <= shape.prefix &&
+           line.textLength() < length;
+}
 
-qreal layOutBlock(const QTextBlock& block, const BlockLook& look, const TextColumn& column) {
-    styleText(block, look);
+enum class Words { whole, broken };
+
+/// How high the lines are with what stands above them; nothing: the signs would stand alone.
+std::optional<qreal> layOutLines(const QTextBlock& block, const BlockLook& look,
+                                 const TextColumn& column, Words words) {
     QTextLayout& text = *block.layout();
     const qreal whole = column.width + 2 * column.sideRoom;
     qreal bottom = look.shape.above;
     text.beginLayout();
     for (QTextLine line = text.createLine(); line.isValid(); line = text.createLine()) {
         const qreal indent = indentLine(line, look.shape, column);
+        if (words == Words::whole && standsAlone(line, look.shape, block.length() - 1)) {
+            text.endLayout();
+            return std::nullopt;
+        }
         const qreal pitch = std::max(look.shape.pitch, std::ceil(line.height()));
         const qreal x = look.isRightToLeft ? whole - indent - line.horizontalAdvance() : indent;
         line.setPosition({x, bottom + std::floor((pitch - line.height()) / 2)});
         bottom += pitch;
     }
     text.endLayout();
-    return bottom + look.shape.below;
+    return bottom;
+}
+
+}  // namespace
+
+qreal layOutBlock(const QTextBlock& block, const BlockLook& look, const TextColumn& column) {
+    styleText(block, look);
+    auto bottom = layOutLines(block, look, column, Words::whole);
+    if (!bottom) {
+        QTextOption option = block.layout()->textOption();
+        option.setWrapMode(QTextOption::WrapAnywhere);
+        block.layout()->setTextOption(option);
+        bottom = layOutLines(block, look, column, Words::broken);
+    }
+    return *bottom + look.shape.below;
 }
 
 }  // namespace tessaly::desktop

@@ -281,8 +281,11 @@ void FindBar::replaceAll() {
         changes.push_back({static_cast<int>(match.location), static_cast<int>(match.length), text});
     }
     const auto count = static_cast<unsigned long>(changes.size());
-    makeChanges(*_editor->document(), changes);
+    const bool isMade = _editor->changeText(changes);
     look();
+    if (!isMade) {
+        return;  // the editor has told why
+    }
     _count->setText(qt(base::trPlural("%1 replaced", "%1 replaced", count)).arg(qulonglong{count}));
 }
 

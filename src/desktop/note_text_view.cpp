@@ -278,6 +278,9 @@ void NoteTextView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     _folding->pressKey(*event, [&] { QTextEdit::keyPressEvent(event); });
+    if (event->matches(QKeySequence::MoveToStartOfDocument)) {
+        verticalScrollBar()->setValue(0);  // the caret alone would leave the margin out of sight
+    }
 }
 
 void NoteTextView::paintEvent(QPaintEvent* event) {

@@ -91,6 +91,10 @@ bool RecordedTextEdit::edit(const std::function<void()>& change, Step step) {
     return !_isRefused;
 }
 
+bool RecordedTextEdit::changeText(const DocumentChanges& changes) {
+    return edit([&] { makeChanges(*document(), changes); });
+}
+
 bool RecordedTextEdit::canUndo() const {
     return canEdit() && _history->canUndo();
 }

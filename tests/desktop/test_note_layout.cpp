@@ -362,3 +362,16 @@ TEST_CASE("words that an input method has not finished stand in the line, and no
     editor.undo();
     CHECK(editor.text() == "* **bold** #tag\n");
 }
+
+TEST_CASE("a box stands beside its words, also where these have no place to be broken at") {
+    const std::string word(300, 'w');
+    for (const std::string line :
+         {"* [ ] " + word, "- " + word, "> " + word, "* " + word + " end"}) {
+        CAPTURE(line);
+        ShownEditor editor("first\n" + line);
+        editor.draw();
+        const QTextLayout& text = *editor.document()->lastBlock().layout();
+        REQUIRE(text.lineCount() > 1);
+        CHECK(text.lineAt(0).textLength() > 20);
+    }
+}

@@ -2,6 +2,7 @@
 // The editor on a note that holds everything.
 #include <QScrollBar>
 #include <QTextBlock>
+#include <string>
 
 #include "desktop/note_editor.h"
 #include "desktop/note_folding.h"
@@ -73,6 +74,25 @@ void showArabic(Stage& stage) {
     stage.take(QStringLiteral("editor-arabic"));
 }
 
+/// Lines that are too long to be styled, too long to be broken between words, and a table that is
+/// too wide.
+void showLongLines(Stage& stage) {
+    stage.goTo(kitchen);
+    std::string text = "# Long lines\n* [ ] " + std::string(180, 'W') + " #long\n> " +
+                       std::string(120, 'q') + "\n| ";
+    for (int cell = 0; cell < 12; ++cell) {
+        text += "a wide cell | ";
+    }
+    text += "\n\n**Plain** ";
+    while (text.size() < 22'000) {
+        text += "a line of more than 20,000 units, ";
+    }
+    editorOf(stage).setText(text + "\n* [x] behind it");
+    stage.settle(400);
+    stage.take(QStringLiteral("editor-long"));
+    stage.goTo("Ideas.txt");  // the note itself is as it was
+}
+
 void showNarrowEditor(Stage& stage) {
     const QSize size = stage.window().size();
     stage.window().resize(520, 760);
@@ -93,6 +113,7 @@ std::vector<View> editorViews() {
             {"editor-folded", showFolded},
             {"editor-german", showGerman},
             {"editor-arabic", showArabic},
+            {"editor-long", showLongLines},
             {"editor-narrow", showNarrowEditor}};
 }
 
