@@ -192,6 +192,13 @@ void HeaderBar::paintIcons() {
     update();
 }
 
+bool HeaderBar::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest) {
+        fitTitle();  // something beside it has another width
+    }
+    return QWidget::event(event);
+}
+
 void HeaderBar::changeEvent(QEvent* event) {
     if (event->type() == QEvent::LayoutDirectionChange) {
         paintIcons();

@@ -44,6 +44,7 @@ public:
     void setSaveState(const QString& text, bool isLoud);
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

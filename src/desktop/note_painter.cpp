@@ -162,7 +162,7 @@ private:
         for (int i = 0; i < _text.lineCount(); ++i) {
             const QTextLine line = _text.lineAt(i);
             const qreal y = _painted.area.top() + line.y() + (line.height() - height) / 2;
-            for (const Stretch& stretch : stretchesOf(line, from, to)) {
+            for (const Stretch& stretch : stretchesOf(line, from, std::min(to, endOfWords(line)))) {
                 const QRectF ground(stretch.left - room, std::round(y),
                                     stretch.right - stretch.left + 2 * room, height);
                 _painter.drawRoundedRect(ground, isMark ? 2 : groundRadius,
@@ -170,6 +170,18 @@ private:
             }
         }
         _painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+
+    /// Of a line, in its layout: a blank that it is broken at has no ground.
+    int endOfWords(const QTextLine& line) const {
+        const QString text = _painted.block.text();
+        const int start = line.textStart();
+        int end = start + line.textLength();
+        while (_text.preeditAreaText().isEmpty() && end > start && end <= text.size() &&
+               text[end - 1] == u' ') {
+            --end;
+        }
+        return end;
     }
 
     QColor groundColor(SpanKind kind) const {
