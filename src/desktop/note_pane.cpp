@@ -149,6 +149,7 @@ void NotePane::open(const app::NoteAddress& address) {
             [this](OpenNote::SaveState) { onSaveState(); }, [this] { Q_EMIT gone(); }});
     _versions->open(address);
     showNote();
+    _folds.bringBack(address, *_editor);
     _versions->check();
 }
 
@@ -185,6 +186,9 @@ void NotePane::setGivenText(const std::string& text) {
 void NotePane::leave() {
     _versions->close();
     _tools->startOver();
+    if (_note != nullptr) {
+        _folds.keep(_note->address(), *_editor);
+    }
     _note.reset();
     setGivenText({});
     _editor->setText({});

@@ -14,6 +14,7 @@
 #include "app/open_note.h"
 #include "app/services.h"
 #include "base/failure.h"
+#include "desktop/kept_folds.h"
 #include "tasks/task_outcome.h"
 
 class QLabel;
@@ -112,6 +113,7 @@ private:
     NoteVersions* _versions = nullptr;
     CaretTasks* _tasks = nullptr;
     EditorTools* _tools = nullptr;
+    KeptFolds _folds;
     FindBar* _findBar = nullptr;
 };
 

@@ -219,6 +219,11 @@ TEST_CASE("handle, mark and keys fold") {
     planner.press("Alt+F");
     CHECK_FALSE(planner.editor().document()->findBlockByNumber(1).isVisible());
     CHECK(planner.editor().textCursor().blockNumber() == 0);
+    // What is folded stays so while other notes are open.
+    planner.press("Alt+PgDown");
+    planner.press("Alt+PgUp");
+    CHECK_FALSE(planner.editor().document()->findBlockByNumber(1).isVisible());
+    CHECK(planner.shown() == "* [ ] Move\n\t* [ ] Pack\nend\n");
     planner.press("Ctrl+F");
     planner.type("pack");
     planner.press("Return");
