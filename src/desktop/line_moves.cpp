@@ -41,7 +41,7 @@ bool staysInPlace(Lines lines, LineTarget target) {
     return target.before >= lines.first && target.before <= lines.last + 1;
 }
 
-int endOf(const QTextBlock& block) {
+int endOfLine(const QTextBlock& block) {
     return block.position() + block.length() - 1;
 }
 
@@ -83,11 +83,11 @@ DocumentChanges changesThatMove(const QTextDocument& document, Lines lines, Line
     // The last line of all has no end, and takes that of the line before it along.
     const bool isLast = !last.next().isValid();
     const int start = first.position() - (isLast ? 1 : 0);
-    const DocumentChange removal{start, endOf(last) + (isLast ? 0 : 1) - start, {}};
+    const DocumentChange removal{start, endOfLine(last) + (isLast ? 0 : 1) - start, {}};
     const QTextBlock follower = document.findBlockByNumber(target.before);
     const DocumentChange insertion =
         follower.isValid() ? DocumentChange{follower.position(), 0, text + u'\n', true}
-                           : DocumentChange{endOf(document.lastBlock()), 0, u'\n' + text};
+                           : DocumentChange{endOfLine(document.lastBlock()), 0, u'\n' + text};
     return target.before < lines.first ? DocumentChanges{insertion, removal}
                                        : DocumentChanges{removal, insertion};
 }

@@ -26,7 +26,7 @@ QTextBlock visibleBefore(QTextBlock block) {
     return block;
 }
 
-int endOf(const QTextBlock& block) {
+int endOfBlock(const QTextBlock& block) {
     return block.position() + block.length() - 1;
 }
 
@@ -68,7 +68,7 @@ void NoteFolding::toggle(int line) {
     });
     QTextCursor caret = _view.textCursor();
     if (!caret.block().isVisible() || !_view.document()->findBlock(caret.anchor()).isVisible()) {
-        caret.setPosition(endOf(_view.document()->findBlockByNumber(line)));
+        caret.setPosition(endOfBlock(_view.document()->findBlockByNumber(line)));
         _view.setTextCursor(caret);
     }
 }
@@ -81,7 +81,7 @@ void NoteFolding::toggleAll() {
     });
     QTextCursor caret = _view.textCursor();
     if (!caret.block().isVisible()) {
-        caret.setPosition(endOf(visibleBefore(caret.block())));
+        caret.setPosition(endOfBlock(visibleBefore(caret.block())));
         _view.setTextCursor(caret);
     }
     _view.ensureCursorVisible();
@@ -116,9 +116,9 @@ void NoteFolding::leaveHidden(QTextCursor before, const QKeyEvent& event) {
     if (!caret.block().isVisible()) {
         const bool isForward = caret.position() > before.position();
         const QTextBlock next = visibleAfter(caret.block());
-        caret.setPosition(
-            isForward && next.isValid() ? next.position() : endOf(visibleBefore(caret.block())),
-            mode);
+        caret.setPosition(isForward && next.isValid() ? next.position()
+                                                      : endOfBlock(visibleBefore(caret.block())),
+                          mode);
         _view.setTextCursor(caret);
         return;
     }
@@ -127,7 +127,7 @@ void NoteFolding::leaveHidden(QTextCursor before, const QKeyEvent& event) {
     const QTextBlock previous = caret.block().previous();
     if (isBackward && caret.position() == before.position() && caret.atBlockStart() &&
         previous.isValid() && !previous.isVisible()) {
-        caret.setPosition(endOf(visibleBefore(previous)), mode);
+        caret.setPosition(endOfBlock(visibleBefore(previous)), mode);
         _view.setTextCursor(caret);
     }
 }
