@@ -36,8 +36,8 @@ public:
     /// and what is seen stay where they are in the text.
     void replaceText(const std::string& shown);
 
-    /// Changes that the user has asked for, as one undo step. False: a line would have got too long,
-    /// and the text is as it was.
+    /// Changes that the user has asked for, as one undo step. False: a line would have got too
+    /// long, and the text is as it was.
     bool changeText(const DocumentChanges& changes);
 
     // In the place of the base's; of what the user did alone.
