@@ -365,7 +365,7 @@ TEST_CASE("words that an input method has not finished stand in the line, and no
 
 TEST_CASE("a box stands beside its words, also where these have no place to be broken at") {
     const std::string word(300, 'w');
-    for (const std::string line :
+    for (const std::string& line :
          {"* [ ] " + word, "- " + word, "> " + word, "* " + word + " end"}) {
         CAPTURE(line);
         ShownEditor editor("first\n" + line);
